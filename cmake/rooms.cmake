@@ -1,0 +1,59 @@
+# What every target of the tree is compiled with, and the functions that make a room of the house a library.
+
+function(korvex_compile_options target)
+  target_include_directories(${target} PRIVATE "${CMAKE_SOURCE_DIR}")
+  target_compile_options(${target} PRIVATE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wformat=2 -Wcast-qual -Wnon-virtual-dtor
+    -Wold-style-cast -Werror)
+  if(WIN32)
+    # NOGDI keeps wingdi.h from renaming the COM method GetObject.
+    target_compile_definitions(${target} PRIVATE WIN32_LEAN_AND_MEAN NOGDI NOMINMAX UNICODE _UNICODE
+      _WIN32_WINNT=0x0601 __USE_MINGW_ANSI_STDIO=1)
+  endif()
+endfunction()
+
+# A room: every source of one directory as one static library.
+function(korvex_room directory target)
+  cmake_parse_arguments(ROOM "" "" "USES" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/${directory}/*.cpp")
+  add_library(${target} STATIC ${sources})
+  set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
+  korvex_compile_options(${target})
+  target_link_libraries(${target} PUBLIC ${ROOM_USES})
+endfunction()
+
+# The platform: the operating system itself on Windows, its POSIX side elsewhere.
+function(korvex_platform_room)
+  if(WIN32)
+    file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/platform/*.cpp" "${CMAKE_SOURCE_DIR}/platform/windows/*.cpp")
+  else()
+    file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/platform/*.cpp" "${CMAKE_SOURCE_DIR}/platform/posix/*.cpp")
+  endif()
+  add_library(korvex_platform STATIC ${sources})
+  set_target_properties(korvex_platform PROPERTIES LINKER_LANGUAGE CXX)
+  korvex_compile_options(korvex_platform)
+  if(WIN32)
+    target_link_libraries(korvex_platform PUBLIC ole32 oleaut32 wbemuuid uuid advapi32 cfgmgr32)
+  else()
+    find_package(Threads REQUIRED)
+    target_link_libraries(korvex_platform PUBLIC Threads::Threads)
+  endif()
+endfunction()
+
+# The simulated host, which gives the POSIX platform its machine.
+function(korvex_simulated_host)
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/simhost/*.cpp")
+  find_package(nlohmann_json REQUIRED)
+  add_library(simhost STATIC ${sources})
+  set_target_properties(simhost PROPERTIES LINKER_LANGUAGE CXX)
+  korvex_compile_options(simhost)
+  target_link_libraries(simhost PUBLIC korvex_platform PRIVATE nlohmann_json::nlohmann_json)
+endfunction()
+
+# Links the machine that the platform runs on: the simulated host off Windows, nothing on it.
+function(korvex_link_machine target)
+  if(NOT WIN32)
+    # The platform calls the machine and the machine the platform, so the two are searched together.
+    target_link_libraries(${target} PRIVATE -Wl,--start-group simhost korvex_platform -Wl,--end-group)
+  endif()
+endfunction()

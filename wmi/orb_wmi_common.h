@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/wbem.h"
+#include "wmi/wmi_return.h"
+
+#include <cstdint>
+
+namespace korvex {
+
+/// COM start-up and the conversions between VARIANTs and plain values in buffers.
+class OrbWmiCommon {
+public:
+  /// Opens the layer trace's gate and starts COM in the multithreaded apartment; 0 or 1 (also when COM runs already).
+  static wmiReturn Initialize();
+  /// Sets the process-wide COM security; 0 (also when it was set before) or 1.
+  static wmiReturn InitializeSecurity();
+
+  /// Writes the caller's value into `target` by CIM type; 0, 1 or 4, with `target` unchanged on failure. What `target` held
+  /// is overwritten, not released: callers pass an empty VARIANT, or one whose contents they own elsewhere.
+  static wmiReturn SetVariantType(VARIANT& target, const void* value, std::uint32_t length, std::uint32_t cimType);
+  /// Reads `source` into `buffer` of `length` bytes by its VARTYPE (and, for texts, `cimType`); 0, 1 or 4.
+  static wmiReturn GetVariantData(const VARIANT& source, void* buffer, std::uint32_t length, std::uint32_t cimType);
+  /// Sets only the type tag of `target`; 0, or 1 for a CIM type outside the table.
+  static wmiReturn SetCimType(VARIANT& target, std::uint32_t cimType);
+  /// The decimal number that a text begins with; 0 without digits; no overflow check (modulo 2^64).
+  static std::int64_t WideToInt64(const wchar_t* text);
+};
+
+} // namespace korvex
