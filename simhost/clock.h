@@ -1,0 +1,31 @@
+#pragma once
+
+#include "simhost/description.h"
+
+#include <cstdint>
+#include <memory>
+
+// The host's clock.
+
+namespace simhost {
+
+/// Time in 100-nanosecond units since 1601-01-01 00:00:00 UTC. Every wait of the machine (the program's, the driver's,
+/// a fault's delay) goes through here. Safe to use from several threads.
+class Clock {
+public:
+  virtual ~Clock() = default;
+  virtual std::uint64_t Now() = 0;
+  virtual void Wait(std::uint32_t milliseconds) = 0;
+};
+
+/// The system's own clock; waits are real.
+std::unique_ptr<Clock> MakeRealClock();
+/// A clock that stands still; waits return at once.
+std::unique_ptr<Clock> MakeFixedClock(std::uint64_t now);
+/// A clock that only waits move.
+std::unique_ptr<Clock> MakeVirtualClock(std::uint64_t now);
+
+/// The clock that the description's "clock" describes; the real one when it is absent.
+std::unique_ptr<Clock> ReadClock(const Node& clock);
+
+} // namespace simhost
