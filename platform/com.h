@@ -22,9 +22,15 @@ using REFIID = const IID&;
 using REFCLSID = const CLSID&;
 static_assert(sizeof(GUID) == 16);
 
-inline bool operator==(const GUID& left, const GUID& right) { return std::memcmp(&left, &right, sizeof(GUID)) == 0; }
-inline bool IsEqualGUID(const GUID& left, const GUID& right) { return left == right; }
-inline bool IsEqualIID(const GUID& left, const GUID& right) { return left == right; }
+inline bool operator==(const GUID& left, const GUID& right) {
+  return std::memcmp(&left, &right, sizeof(GUID)) == 0;
+}
+inline bool IsEqualGUID(const GUID& left, const GUID& right) {
+  return left == right;
+}
+inline bool IsEqualIID(const GUID& left, const GUID& right) {
+  return left == right;
+}
 
 struct IUnknown {
   virtual HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) = 0;
@@ -123,17 +129,20 @@ HRESULT VariantClear(VARIANT* variant);
 /// Clears the target, then copies: a text and an array are copied whole, an interface gains a reference.
 HRESULT VariantCopy(VARIANT* target, const VARIANT* source);
 
-/// A one-dimensional array of VT_UNKNOWN, VT_BSTR or a plain type, zero-filled; none for other types, more dimensions or
-/// without memory.
+/// A one-dimensional array of VT_UNKNOWN, VT_BSTR or a plain type, zero-filled; none for other types, more dimensions
+/// or without memory.
 SAFEARRAY* SafeArrayCreate(VARTYPE elementType, UINT dimensions, SAFEARRAYBOUND* bounds);
 /// Releases the elements and the array; DISP_E_ARRAYISLOCKED while its data is accessed.
 HRESULT SafeArrayDestroy(SAFEARRAY* array);
+/// A copy of the array with copied texts and added references, unlocked whatever the source is; none of none.
+HRESULT SafeArrayCopy(SAFEARRAY* source, SAFEARRAY** copy);
 HRESULT SafeArrayGetLBound(SAFEARRAY* array, UINT dimension, LONG* bound);
 /// An array without elements has the upper bound lower - 1.
 HRESULT SafeArrayGetUBound(SAFEARRAY* array, UINT dimension, LONG* bound);
 HRESULT SafeArrayAccessData(SAFEARRAY* array, void** data);
 HRESULT SafeArrayUnaccessData(SAFEARRAY* array);
-/// Stores a copy of a plain value or text, or an interface with an added reference; `value` is the interface itself then.
+/// Stores a copy of a plain value or text, or an interface with an added reference; `value` is the interface itself
+/// then.
 HRESULT SafeArrayPutElement(SAFEARRAY* array, LONG* index, void* value);
 HRESULT SafeArrayGetVartype(SAFEARRAY* array, VARTYPE* type);
 
@@ -156,8 +165,8 @@ inline constexpr HRESULT CO_E_NOTINITIALIZED = static_cast<HRESULT>(0x800401F0U)
 inline constexpr HRESULT REGDB_E_CLASSNOTREG = static_cast<HRESULT>(0x80040154U);
 inline constexpr HRESULT CLASS_E_NOAGGREGATION = static_cast<HRESULT>(0x80040110U);
 
-/// Explicit credentials for CoSetProxyBlanket; lengths in wide characters. The texts are wide characters here, unsigned short
-/// on Windows: the same thing there, not with 32-bit wide characters.
+/// Explicit credentials for CoSetProxyBlanket; lengths in wide characters. The texts are wide characters here, unsigned
+/// short on Windows: the same thing there, not with 32-bit wide characters.
 struct SEC_WINNT_AUTH_IDENTITY_W {
   WCHAR* User;
   ULONG UserLength;
@@ -172,13 +181,18 @@ struct SOLE_AUTHENTICATION_SERVICE;
 using PSECURITY_DESCRIPTOR = void*;
 using RPC_AUTH_IDENTITY_HANDLE = void*;
 
-/// Of the calling process; S_FALSE when COM runs already.
+/// Starts COM for the calling thread, in the multithreaded apartment (the only one here); S_FALSE when it runs there
+/// already.
 HRESULT CoInitializeEx(void* reserved, DWORD flags);
+/// Undoes one CoInitializeEx of the calling thread.
 void CoUninitialize();
-/// RPC_E_TOO_LATE when it has been set before.
+/// Sets the security of the process; RPC_E_TOO_LATE when it has been set before, CO_E_NOTINITIALIZED before COM is
+/// started.
 HRESULT CoInitializeSecurity(PSECURITY_DESCRIPTOR descriptor, LONG serviceCount, SOLE_AUTHENTICATION_SERVICE* services,
                              void* reserved1, DWORD authnLevel, DWORD impLevel, void* authList, DWORD capabilities,
                              void* reserved3);
+/// A new object of a class; CO_E_NOTINITIALIZED before COM is started on any thread, REGDB_E_CLASSNOTREG for an unknown
+/// class.
 HRESULT CoCreateInstance(REFCLSID classId, IUnknown* outer, DWORD context, REFIID riid, void** object);
 /// Asks the proxy for IClientSecurity and has it set its blanket.
 HRESULT CoSetProxyBlanket(IUnknown* proxy, DWORD authnService, DWORD authzService, OLECHAR* principal, DWORD authnLevel,

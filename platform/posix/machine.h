@@ -5,6 +5,7 @@
 #include "platform/host.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,14 +15,27 @@
 
 namespace platform {
 
-/// The machine behind the platform's calls. The platform saves and restores errno around every call of it.
+/// The machine behind the platform's calls. Its operations are called from any thread, do not throw, and leave the last
+/// error to the platform; the platform saves and restores errno around them, and asks for no faults while one runs.
 class Machine {
 public:
   virtual ~Machine() = default;
 
-  /// What a described fault makes of the next `operation` (the platform function's name) on `target` (a file, a class, a
-  /// store's name, or empty): none, or the code that the operation gives instead of being carried out. Counts the operation
-  /// and waits out a described delay.
+  /// Whether any fault or delay is described at all: asked before each TakeFault, so that a machine without them costs
+  /// next to nothing.
+  virtual bool HasFaults() const noexcept { return true; }
+
+  /// What a described fault makes of the next `operation` (the platform function's name) on `target` (a file, a class,
+  /// a store's name, a text in UTF-8, or empty): none, or the code that the operation gives instead of being carried
+  /// out. Counts the operation and waits out a described delay. What the code means is the operation's: an HRESULT, a
+  /// CONFIGRET, the last error of a call that gives a BOOL or a count, the errno value of "fopen"; an allocation gives
+  /// none whatever the code.
+  ///
+  /// Asked by, with the target in parentheses: CoInitializeEx, CoInitializeSecurity, CoCreateInstance,
+  /// CoSetProxyBlanket, SysAllocString (the text), SafeArrayCreate, SafeArrayGetLBound, SafeArrayGetUBound,
+  /// SafeArrayAccessData, VariantCopy, AllocateStore (the store's name), GetComputerNameExW ("ComputerNameDnsHostname"
+  /// and its like), GetTimeFormatW and GetDateFormatW (the picture), FileTimeToSystemTime, CM_Locate_DevNode_ExW,
+  /// CM_Reenumerate_DevNode_Ex, fopen (the path).
   virtual std::optional<std::uint32_t> TakeFault(std::string_view operation, std::string_view target) = 0;
 
   /// Makes the COM object of a class: REGDB_E_CLASSNOTREG for a class that the machine does not have.
@@ -39,14 +53,31 @@ public:
   virtual CONFIGRET ReenumerateDeviceNode(DEVINST node) = 0;
 };
 
-/// The machine of this process; made by MakeMachine at the first use.
+/// The machine of this process; made by MakeMachine at the first use. It is never destroyed at the end of the process,
+/// as objects of static life may still hold what it made. Not to be called while it is being made.
 Machine& TheMachine();
 
-/// Makes the machine: supplied by whatever simulates it. Ends the process with a message when its description is refused.
+/// Makes the machine: supplied by whatever simulates it. Ends the process with a message when its description is
+/// refused. The platform may be used while it runs, as long as the call does not need the machine.
 std::unique_ptr<Machine> MakeMachine();
 
 /// Puts another machine in place (none: MakeMachine is asked again at the next use); for tests. Gives the one before.
+/// No other thread may be using the machine.
 std::unique_ptr<Machine> ReplaceMachine(std::unique_ptr<Machine> machine);
+
+/// While one lives, the calling thread's platform calls ask for no faults. The machine's own code holds one wherever
+/// the utility enters it through a COM method, so that a fault described for the utility's call cannot strike the
+/// machine's use of the same call.
+class MachineCode {
+public:
+  MachineCode() noexcept;
+  MachineCode(const MachineCode&) = delete;
+  MachineCode& operator=(const MachineCode&) = delete;
+  ~MachineCode();
+};
+
+/// The directory of the running program; empty when the system does not tell.
+std::filesystem::path ExecutableDirectory();
 
 /// What of the platform's own is alive now, for leak checks.
 struct LiveObjects {
