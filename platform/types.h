@@ -4,6 +4,9 @@
 
 #ifdef _WIN32
 #include <windows.h>
+// Behind windows.h; only its result codes are used, and the runtime library's functions keep their names.
+#define STRSAFE_NO_DEPRECATE
+#include <strsafe.h>
 #else
 #include <cstddef>
 #include <cstdint>

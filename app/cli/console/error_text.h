@@ -7,8 +7,8 @@ namespace korvex {
 /// The runtime library's text for its current error number (errno), at most 79 bytes, in a buffer shared by all calls.
 const char* RuntimeErrorText();
 
-/// The operating system's text for one of its error codes, or the code as "0x%x" when it has none; wide, in a buffer shared by
-/// all calls.
+/// The operating system's text for one of its error codes, or the code as "0x%x" when it has none; wide, in a buffer
+/// shared by all calls.
 const wchar_t* SystemErrorText(DWORD code);
 
 } // namespace korvex

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-// Printing to the console. Standard output leaves in large writes and is flushed before every write to standard error, so that
-// both streams in one file read in the order of events. errno is left as it was.
+// Printing to the console. Standard output leaves in large writes and is flushed before every write to standard error,
+// so that both streams in one file read in the order of events. errno is left as it was.
 
 namespace korvex {
 

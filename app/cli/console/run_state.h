@@ -12,6 +12,8 @@ extern const char* gProgramName;
 extern std::int32_t gOptionIndex;
 /// Argument of the option at hand, or none.
 extern char* gOptionArgument;
+/// Position of the option scanner inside the current word; at an empty text at start.
+extern char* gScanPosition;
 /// The option character read last.
 extern char gOptionChar;
 
