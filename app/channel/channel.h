@@ -30,14 +30,14 @@ extern wchar_t gWmiMethodsName[25];
 /// The DsmContext of the methods class's instance; 0 when it cannot be read.
 extern std::uint64_t gRequestedDsmContext;
 
-/// The driver version as VRXDSM_VERSION tells it.
+/// The driver version as VRXDSM_VERSION tells it; a field that could not be read is 0.
 struct DsmVersion {
   std::uint32_t MajorVersion;
   std::uint32_t MinorVersion;
   std::uint32_t ProductBuild;
   std::uint32_t QfeNumber;
 };
-/// Allocated by utilGetDsmDriverVersion, freed at the end of the run; none before and in generation 1.
+/// Allocated by utilGetDsmDriverVersion as a store, freed at the end of the run; none before and in generation 1.
 extern DsmVersion* gDsmVersion;
 
 /// The generation of the DSM's interface, 1 or 2, looked up afresh.
@@ -52,7 +52,11 @@ int utilGetDsmDriverVersion();
 /// Opens the channel for a group of requests and leaves it open; false after a message.
 bool utilDetermineBusFd();
 
-/// The two first steps of every opening: connects to root\WMI and sets its security; false after a message on standard error.
+/// The two first steps of every opening: connects to root\WMI and sets its security; false after a message on standard
+/// error.
 bool ConnectChannel();
+
+/// Opens the class gWmiMethodsName on the connected channel; false after a trace line.
+bool OpenMethodsClass();
 
 } // namespace korvex

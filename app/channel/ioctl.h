@@ -15,8 +15,8 @@ struct InputArgumentsRecord {
 inline constexpr int kIoctlSucceeded = 1;
 inline constexpr int kIoctlFailed = -1;
 
-/// Sends one request of the request table to the DSM or to its callback; the argument's form depends on the code (a number to
-/// fill, a level, an OrbWmiVariant holder, a record). 1 or -1.
+/// Sends one request of the request table to the DSM or to its callback; the argument's form depends on the code (a
+/// number to fill, a level, an OrbWmiVariant holder, a record). 1 or -1.
 int Ioctl(std::uint32_t requestCode, void* argument);
 
 } // namespace korvex

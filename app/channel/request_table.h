@@ -6,16 +6,19 @@
 
 namespace korvex {
 
-/// A function of the program behind a request code: 0 success, 3 nothing to do (success too), anything else failure. The
+/// A function of the program behind a request code: 0 success, kNothingToDo (success too), anything else failure. The
 /// argument is the caller's, unchanged; the output holder is empty.
 using RequestCallback = std::uint32_t(std::uint32_t requestCode, void* argument, OrbWmiVariant& output);
 
-/// One row of the request table.
+/// What a callback, or a step of a request that has nothing to do for the code at hand, gives.
+inline constexpr std::uint32_t kNothingToDo = 3;
+
+/// One row of the request table: a method of the DSM's methods class, a callback, or both.
 struct RequestTableEntry {
   std::uint32_t code; ///< 0 ends the table
   const wchar_t* method;
-  const wchar_t* input;
-  const wchar_t* output;
+  const wchar_t* input;  ///< name of the method's input parameter, or none
+  const wchar_t* output; ///< name of the method's output parameter, or none
   RequestCallback* callback;
 };
 
