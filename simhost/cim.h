@@ -102,6 +102,8 @@ struct MethodDefinition {
   std::wstring name;
   std::vector<PropertyDefinition> inputs;
   std::vector<PropertyDefinition> outputs;
+  ClassRef inputClass{};  ///< the class __PARAMETERS of the input object, made by the repository; none without inputs
+  ClassRef outputClass{}; ///< the same for the output object
 };
 
 /// A class: what an object has and can do. Names are matched without regard to case and keep their spelling.
@@ -111,7 +113,10 @@ public:
   std::wstring superclass; ///< empty for a top-level class
   std::vector<PropertyDefinition> properties;
   std::vector<MethodDefinition> methods;
+  std::vector<std::wstring> ancestors; ///< nearest first, filled in by the repository
 
+  /// Whether this is the class of that name or derived from it.
+  bool IsA(std::wstring_view className) const;
   /// The position of the property (or method) of that name; none when there is none.
   std::optional<std::size_t> PropertyIndex(std::wstring_view property) const;
   const MethodDefinition* FindMethod(std::wstring_view method) const;
@@ -146,8 +151,8 @@ public:
   /// Makes the property one that the object does not have.
   void Hide(std::size_t index) { m_slots[index].missing = true; }
 
-  /// The object's relative path: CLASS for a definition, CLASS.Key="value" for an instance with keys (backslashes
-  /// doubled, quotes escaped), CLASS=@ for one without; none for an instance whose key has no value.
+  /// The object's relative path: CLASS for a definition, CLASS.Key="value" for an instance (backslashes doubled, quotes
+  /// escaped); none for an instance without keys or with a key that has no value.
   std::optional<std::wstring> RelativePath() const;
 
 private:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simhost/cim.h"
+#include "simhost/object_path.h"
 #include "simhost/provider.h"
 
 #include <functional>
@@ -32,8 +33,10 @@ public:
 
   /// Called before each call of a provider, with the repository's lock held (to take in what another run changed).
   void SetRefresh(std::function<void()> refresh) { m_refresh = std::move(refresh); }
-  /// Called for each object on its way out, with its position in its enumeration or list.
-  void SetOverride(std::function<void(CimObject&, std::size_t)> apply) { m_override = std::move(apply); }
+  /// Called for each object on its way out, with what it is looked up by (its class, or the method whose output it is)
+  /// and its position in its enumeration or list.
+  using Override = std::function<void(CimObject& object, std::wstring_view target, std::size_t index)>;
+  void SetOverride(Override apply) { m_override = std::move(apply); }
 
   // The operations of the WMI service. Each gives an outcome whose delay the caller waits out.
 
@@ -56,17 +59,19 @@ private:
     ClassRef definition;
     std::shared_ptr<Provider> provider;
   };
-  const Entry* Find(std::wstring_view name) const;
-  bool DerivesFrom(const CimClass& definition, std::wstring_view ancestor) const;
+  Entry* Find(std::wstring_view name) const;
+  void CompleteDefinition(CimClass& definition) const;
   Outcome CollectInstances(const Entry& entry, std::vector<CimObject>& instances);
-  Outcome FindInstance(std::wstring_view path, const Entry*& entry, std::optional<CimObject>& instance);
-  void ApplyOverrides(CimObject& object, std::size_t index);
+  Outcome FindInstance(const ObjectPath& path, Entry*& entry, std::optional<CimObject>& instance);
+  bool CoerceInput(const MethodDefinition& method, const CimObject& given, CimObject& input) const;
+  void ApplyOverrides(CimObject& object, std::wstring_view target, std::size_t index) const;
+  CimValue OverriddenValue(const CimValue& value) const;
 
   mutable std::recursive_mutex m_lock;
   std::vector<std::unique_ptr<Entry>> m_classes;
   std::map<std::wstring, Entry*, std::less<>> m_byName;
   std::function<void()> m_refresh;
-  std::function<void(CimObject&, std::size_t)> m_override;
+  Override m_override;
 };
 
 } // namespace simhost

@@ -16,6 +16,8 @@
 
 namespace simhost {
 
+class LockedStateFile;
+
 /// A log that cannot be read or written; `what()` names the file and the line.
 class StateError : public std::runtime_error {
 public:
@@ -34,17 +36,17 @@ public:
   virtual void Clear(std::string key) = 0;
 };
 
-/// The machine's changes. Keys are free texts by convention like "dsms/0/debugLevel"; values are what the description
-/// would hold. Several runs may share one file: the lock is held for one change at a time, and Refresh takes in what
-/// others have written.
+/// The machine's changes; safe to use from several threads. Keys are free texts, by convention like
+/// "dsms/0/debugLevel"; values are what the description would hold. Several runs may share one file: the lock is held
+/// for one change at a time, and Refresh takes in what others have written.
 class StateLog {
 public:
   /// A log in a file that need not exist; an empty path keeps the changes in memory only. Throws StateError for a log
   /// that is corrupt before its last line.
   explicit StateLog(std::string path);
 
-  /// The value of the key, or none when nothing changed it; valid until the next change or refresh.
-  const Json* Find(std::string_view key) const;
+  /// The value of the key, or none when nothing changed it.
+  std::optional<Json> Find(std::string_view key) const;
   /// The same for an integer or a flag, with what the description says.
   std::uint64_t Number(std::string_view key, std::uint64_t described) const;
   bool Flag(std::string_view key, bool described) const;
@@ -60,11 +62,19 @@ public:
 private:
   using Values = std::map<std::string, Json, std::less<>>;
   class Change;
+
+  void StartOver(std::uint64_t fileId);
+  void TakeIn(std::string_view text);
+  void TakeInLine(std::string_view line);
+  void TakeInFile();
+  void Compact(LockedStateFile& file);
+
+  mutable std::mutex m_lock;
   std::string m_path;
   Values m_values;
-  std::uint64_t m_offset = 0; ///< bytes of complete lines taken in
+  std::uint64_t m_fileId = 0; ///< the file that the values come from; 0 for none
+  std::uint64_t m_offset = 0; ///< bytes of it taken in, complete lines
   std::uint64_t m_lines = 0;  ///< lines taken in
-  std::uint64_t m_fileId = 0; ///< which file they came from; compaction makes a new one
 };
 
 /// The log is rewritten, a line per key, when it has more than this many lines and more than four times as many as

@@ -14,7 +14,7 @@ namespace simhost {
 /// U+FFFD.
 std::wstring WideFromUtf8(std::string_view text);
 
-/// UTF-8 of UTF-16 units, for messages and the state log; a lone surrogate is written in three bytes, like any other
+/// UTF-8 of UTF-16 units, for messages and the state log; a lone surrogate becomes U+FFFD.
 /// unit.
 std::string Utf8FromWide(std::wstring_view text);
 
