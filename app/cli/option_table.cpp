@@ -1,0 +1,113 @@
+#include "app/cli/option_table.h"
+
+#include "app/channel/control_requests.h"
+#include "app/channel/dsm_selection.h"
+#include "app/cli/array_options.h"
+#include "app/cli/console/bounded_text.h"
+#include "app/cli/console/run_state.h"
+#include "app/cli/console/trace.h"
+#include "app/cli/controller_option.h"
+#include "app/cli/usage.h"
+#include "wmi/wmi_layer_trace.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace korvex {
+
+namespace {
+
+/// Which word behind it an option picks up for itself.
+enum class PickedWord : std::uint8_t {
+  kNone,     ///< no word; the scanner may have collected an argument
+  kPlain,    ///< the next word unless it begins with '-'; scanning ends there
+  kConsumed, ///< the same word, and scanning goes on behind it
+  kAny,      ///< the next word, whatever it begins with
+};
+
+using OptionAction = std::int32_t(const CommandLine& commandLine, std::int32_t status);
+
+struct OptionRow {
+  char letter;
+  PickedWord word;
+  OptionAction* act;
+};
+
+std::int32_t SetDebugLevel(const CommandLine&, std::int32_t) {
+  return SetDriverLevel(DriverLevel::kDebug, gOptionArgument);
+}
+
+std::int32_t SetErrorLevel(const CommandLine&, std::int32_t) {
+  return SetDriverLevel(DriverLevel::kError, gOptionArgument);
+}
+
+std::int32_t Scan(const CommandLine&, std::int32_t) {
+  return PerformScan(gOptionArgument);
+}
+
+std::int32_t SelectDsm(const CommandLine& commandLine, std::int32_t) {
+  return HandleDsmOption(commandLine.wordCount, commandLine.words);
+}
+
+std::int32_t OpenTrace(const CommandLine&, std::int32_t status) {
+  gTraceEnabled = true;
+  WmiLayerTrace::Instance().SetCategoryThreshold(0xFFFFFFFF);
+  WmiLayerTrace::Instance().SetLevelThreshold(0xFFFFFFFF);
+  return status;
+}
+
+/// An option that is known but has no effect.
+std::int32_t KeepStatus(const CommandLine&, std::int32_t status) {
+  return status;
+}
+
+/// Letters without a row get the usage text.
+constexpr OptionRow kOptions[] = {
+    {'a', PickedWord::kPlain, ReportArrays},
+    {'c', PickedWord::kPlain, KeepStatus},
+    {'d', PickedWord::kNone, SetDebugLevel},
+    {'e', PickedWord::kNone, SetErrorLevel},
+    {'g', PickedWord::kPlain, ReportArrayById},
+    {'o', PickedWord::kConsumed, KeepStatus},
+    {'s', PickedWord::kNone, Scan},
+    {'S', PickedWord::kNone, KeepStatus},
+    {'t', PickedWord::kNone, OpenTrace},
+    {'w', PickedWord::kAny, ReportController},
+    {'D', PickedWord::kPlain, SelectDsm},
+    {'M', PickedWord::kNone, KeepStatus},
+    {'R', PickedWord::kNone, KeepStatus},
+    {'P', PickedWord::kNone, KeepStatus},
+};
+
+void PickUpWord(PickedWord use, const CommandLine& commandLine) {
+  if (use == PickedWord::kNone) {
+    return;
+  }
+  char* word = commandLine.WordAt(gOptionIndex);
+  if (use != PickedWord::kAny && word != nullptr && word[0] == '-') {
+    word = nullptr;
+  }
+  gOptionArgument = word;
+  if (use == PickedWord::kConsumed && word != nullptr) {
+    ++gOptionIndex;
+  }
+}
+
+} // namespace
+
+void FormatOptionLetters(char* buffer, std::size_t capacity) {
+  BoundedFormat(buffer, capacity, "%s%s", "agchtmlowd:e:s:S", "DMRP:");
+}
+
+std::int32_t ActOnOption(int letter, const CommandLine& commandLine, std::int32_t status) {
+  const auto* row = std::find_if(std::begin(kOptions), std::end(kOptions),
+                                 [letter](const OptionRow& option) { return option.letter == letter; });
+  if (row == std::end(kOptions)) {
+    PrintUsage();
+    return 0;
+  }
+  PickUpWord(row->word, commandLine);
+  return row->act(commandLine, status);
+}
+
+} // namespace korvex

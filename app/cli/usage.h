@@ -1,0 +1,8 @@
+#pragma once
+
+namespace korvex {
+
+/// The usage line on standard output.
+void PrintUsage();
+
+} // namespace korvex

@@ -1,0 +1,28 @@
+#include "app/cli/wiring.h"
+
+#include "app/channel/request_table.h"
+#include "app/inventory/gen2_inventory.h"
+#include "app/report/summary_listing.h"
+
+namespace korvex {
+
+namespace {
+
+constexpr RequestCallbacks kRequestCallbacks = {
+    .collectDsmArrayInfo = CollectDsmArrayInfo,
+};
+
+constexpr CollectionOutputs kCollectionOutputs = {
+    .printListingHead = PrintListingHead,
+    .printArraySummaryRow = PrintArraySummaryRow,
+    .printListingClosingRule = PrintListingClosingRule,
+};
+
+} // namespace
+
+void ConnectRooms() {
+  ConnectRequestTable(kRequestCallbacks);
+  ConnectCollection(kCollectionOutputs);
+}
+
+} // namespace korvex
