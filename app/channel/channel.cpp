@@ -26,7 +26,7 @@ bool ConnectChannel() {
   return true;
 }
 
-bool OpenMethodsClass() {
+bool OpenDsmMethodsClass() {
   TracePrint("Class init\n");
   TracePrint("WMI_METHODS name '%s'\n", NarrowText(gWmiMethodsName).c_str());
   if (gDsmChannel->methodsClass.Initialize(gDsmChannel->connection, gWmiMethodsName) != kWmiSuccess) {
@@ -41,7 +41,7 @@ bool utilDetermineBusFd() {
   if (!ConnectChannel()) {
     return false;
   }
-  if (!OpenMethodsClass()) {
+  if (!OpenDsmMethodsClass()) {
     PrintError("Bus connection failed.Det Bus FD\n");
     PrintError("Possible Cause: Array LUNs not configured or mapped to this host or this OEM DSM is not installed.\n");
     return false;

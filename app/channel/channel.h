@@ -57,6 +57,6 @@ bool utilDetermineBusFd();
 bool ConnectChannel();
 
 /// Opens the class gWmiMethodsName on the connected channel; false after a trace line.
-bool OpenMethodsClass();
+bool OpenDsmMethodsClass();
 
 } // namespace korvex

@@ -73,7 +73,7 @@ int utilGetDsmDriverVersion() {
   if (!ConnectChannel()) {
     return 0;
   }
-  if (!OpenMethodsClass()) {
+  if (!OpenDsmMethodsClass()) {
     gDsmChannel->connection.CloseConnection();
     return 0;
   }
