@@ -14,22 +14,33 @@ std::uint8_t gMofFileVersion[2] = {};
 wchar_t gWmiMethodsName[25] = {};
 std::uint64_t gRequestedDsmContext = 0;
 
-bool ConnectChannel() {
-  if (gDsmChannel->connection.Initialize(L"root\\WMI") != kWmiSuccess) {
+namespace {
+
+bool Tell(wmiReturn status, wmiReturn* statusOut) {
+  if (statusOut != nullptr) {
+    *statusOut = status;
+  }
+  return status == kWmiSuccess;
+}
+
+} // namespace
+
+bool ConnectChannel(wmiReturn* statusOut) {
+  if (!Tell(gDsmChannel->connection.Initialize(L"root\\WMI"), statusOut)) {
     PrintError("Unable to initialize WMI connection.\n");
     return false;
   }
-  if (gDsmChannel->connection.SetSecurity() != kWmiSuccess) {
+  if (!Tell(gDsmChannel->connection.SetSecurity(), statusOut)) {
     PrintError("Unable to set proxy blanket.\n");
     return false;
   }
   return true;
 }
 
-bool OpenDsmMethodsClass() {
+bool OpenDsmMethodsClass(wmiReturn* statusOut) {
   TracePrint("Class init\n");
   TracePrint("WMI_METHODS name '%s'\n", NarrowText(gWmiMethodsName).c_str());
-  if (gDsmChannel->methodsClass.Initialize(gDsmChannel->connection, gWmiMethodsName) != kWmiSuccess) {
+  if (!Tell(gDsmChannel->methodsClass.Initialize(gDsmChannel->connection, gWmiMethodsName), statusOut)) {
     TracePrint("Unable to find %s class\n", NarrowText(gWmiMethodsName).c_str());
     return false;
   }

@@ -3,6 +3,7 @@
 #include "wmi/orb_wmi_class.h"
 #include "wmi/orb_wmi_connection.h"
 #include "wmi/orb_wmi_enumerator.h"
+#include "wmi/wmi_return.h"
 
 #include <cstdint>
 
@@ -53,10 +54,11 @@ int utilGetDsmDriverVersion();
 bool utilDetermineBusFd();
 
 /// The two first steps of every opening: connects to root\WMI and sets its security; false after a message on standard
-/// error.
-bool ConnectChannel();
+/// error. The layer's status goes to `statusOut`, unless it is none.
+bool ConnectChannel(wmiReturn* statusOut = nullptr);
 
-/// Opens the class gWmiMethodsName on the connected channel; false after a trace line.
-bool OpenDsmMethodsClass();
+/// Opens the class gWmiMethodsName on the connected channel; false after a trace line. The layer's status goes to
+/// `statusOut`, unless it is none.
+bool OpenDsmMethodsClass(wmiReturn* statusOut = nullptr);
 
 } // namespace korvex

@@ -11,14 +11,16 @@ namespace korvex {
 /// Asks the DSM for gNumberOfArrays; 1 when its methods class was found, else 0.
 int GetCurrentNumberOfArrays();
 
-/// Collects the selected arrays and prints what was asked for; 1, -1 when the request failed, 0 or -1 when the module tables
-/// could not be made.
+/// Collects the selected arrays and prints what was asked for; 1, -1 when the request failed, 0 or -1 when the module
+/// tables could not be made.
 int GetDsmArrayInfo();
 
-/// Callback of request 0x4DF2; the argument is the address of an InputArgumentsRecord. 0 on success, else a failure status.
+/// Callback of request 0x4DF2; the argument is the address of an InputArgumentsRecord. 0 on success, else a failure
+/// status.
 std::uint32_t CollectDsmArrayInfo(std::uint32_t requestCode, void* argument, OrbWmiVariant& output);
 
-/// The LUNs reachable through the controller with this index (0 = A, 1 = B), with their path counts, on standard output.
+/// The LUNs reachable through the controller with this index (0 = A, 1 = B), with their path counts, on standard
+/// output.
 void ListControllerLuns(std::uint32_t controllerIndex);
 
 /// What of the higher rooms the collection calls. A reference each, so that a missing one does not compile.
@@ -27,7 +29,8 @@ struct CollectionOutputs {
   bool (&printArraySummaryRow)();
   void (&printListingClosingRule)();
 };
-/// Connects the collection with the higher rooms; once, before the first collection. `outputs` must live for the whole run.
+/// Connects the collection with the higher rooms; once, before the first collection. `outputs` must live for the whole
+/// run.
 void ConnectCollection(const CollectionOutputs& outputs);
 
 } // namespace korvex

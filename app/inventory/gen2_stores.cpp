@@ -1,0 +1,91 @@
+#include "app/inventory/gen2_stores.h"
+
+#include "app/cli/console/error_text.h"
+#include "app/cli/console/print.h"
+#include "platform/allocation.h"
+
+#include <utility>
+
+namespace korvex {
+
+unsigned char* gTpgInfoBuffer = nullptr;
+unsigned char* gMpgInfoBuffer = nullptr;
+unsigned char* gDevInfoBuffer = nullptr;
+unsigned char* gCntrlSlNumber = nullptr;
+unsigned char* gLunWWN = nullptr;
+unsigned char* gLunPathId = nullptr;
+unsigned char* gCntrlPathId = nullptr;
+unsigned char* gLunPathDevInfo = nullptr;
+unsigned char* gInterfaceTypes = nullptr;
+
+static_assert(kMaxTpgRecords * kTpgRecordPlace <= kTpgInfoCapacity);
+static_assert(kMaxMpgRecords * kMpgRecordPlace <= kMpgInfoCapacity);
+static_assert(kMaxDevInfoRecords * kDevInfoRecordPlace <= kDevInfoCapacity);
+
+namespace {
+
+bool Ensure(unsigned char*& store, const char* storeName, std::size_t bytes) {
+  if (store == nullptr) {
+    store = static_cast<unsigned char*>(platform::AllocateStore(storeName, bytes));
+  }
+  return store != nullptr;
+}
+
+bool EnsureAll() {
+  if (!Ensure(gTpgInfoBuffer, "gTpgInfoBuffer", kTpgInfoCapacity)) {
+    PrintError("Unable to malloc memory for gTpgInfoBuffer - %s!\n", RuntimeErrorText());
+    return false;
+  }
+  if (!Ensure(gMpgInfoBuffer, "gMpgInfoBuffer", kMpgInfoCapacity)) {
+    PrintError("Unable to malloc memory for gMpgInfoBuffer - %s!\n", RuntimeErrorText());
+    return false;
+  }
+  if (!Ensure(gDevInfoBuffer, "gDevInfoBuffer", kDevInfoCapacity)) {
+    PrintError("Unable to malloc memory for gDevInfoBuffer - %s!\n", RuntimeErrorText());
+    return false;
+  }
+  if (!Ensure(gCntrlSlNumber, "gCntrlSlNumber", 11)) {
+    PrintError("Unable to malloc memory for gCntrlSlNumber - %s!\n", RuntimeErrorText());
+    return false;
+  }
+  if (!Ensure(gLunWWN, "gLunWWN", 32)) {
+    PrintError("Unable to malloc memory for gLunWWN - %s!\n", RuntimeErrorText());
+    return false;
+  }
+  if (!Ensure(gLunPathId, "gLunPathId", 12)) {
+    PrintError("Unable to malloc memory for gLunPathId - %s!\n", RuntimeErrorText());
+    return false;
+  }
+  if (!Ensure(gCntrlPathId, "gCntrlPathId", 12)) {
+    PrintError("Unable to malloc memory for gCntrlPathId - %s!\n", RuntimeErrorText());
+    return false;
+  }
+  if (!Ensure(gLunPathDevInfo, "gLunPathDevInfo", 16)) {
+    PrintError("Unable to malloc memory for gLunPathDevInfo - %s!\n", RuntimeErrorText());
+    return false;
+  }
+  return true;
+}
+
+} // namespace
+
+bool AllocateGen2Buffers() {
+  if (EnsureAll()) {
+    return true;
+  }
+  for (unsigned char** store : {&gTpgInfoBuffer, &gMpgInfoBuffer, &gDevInfoBuffer, &gCntrlSlNumber, &gLunWWN,
+                                &gLunPathId, &gCntrlPathId, &gLunPathDevInfo}) {
+    platform::FreeStore(std::exchange(*store, nullptr));
+  }
+  return false;
+}
+
+TpgControllerRecord StoredController(std::uint32_t index) {
+  return ReadTpgControllerRecord({gTpgInfoBuffer + kTpgRecordPlace * index, kTpgRecordPlace});
+}
+
+MpgDeviceRecord StoredLun(std::uint32_t index) {
+  return ReadMpgDeviceRecord({gMpgInfoBuffer + kMpgRecordPlace * index, kMpgRecordPlace});
+}
+
+} // namespace korvex
