@@ -149,7 +149,15 @@ SAFEARRAY* CreateArray(VARTYPE type, const SAFEARRAYBOUND& bound) {
   return array;
 }
 
-/// The bounds of the only dimension: the first index, and the one past the last in 64 bits.
+/// Releases an array and its elements, whoever has it locked.
+void DestroyArray(SAFEARRAY* array) {
+  const platform::ErrnoGuard guard;
+  ReleaseElements(array);
+  std::free(array->pvData);
+  delete static_cast<TypedSafeArray*>(array);
+  platform::gLiveSafeArrays.fetch_sub(1, std::memory_order_relaxed);
+}
+
 HRESULT CheckBoundArguments(const SAFEARRAY* array, UINT dimension, const LONG* bound) {
   if (array == nullptr || bound == nullptr) {
     return E_INVALIDARG;
@@ -173,11 +181,7 @@ HRESULT SafeArrayDestroy(SAFEARRAY* array) {
   if (array->cLocks != 0) {
     return DISP_E_ARRAYISLOCKED;
   }
-  const platform::ErrnoGuard guard;
-  ReleaseElements(array);
-  std::free(array->pvData);
-  delete static_cast<TypedSafeArray*>(array);
-  platform::gLiveSafeArrays.fetch_sub(1, std::memory_order_relaxed);
+  DestroyArray(array);
   return S_OK;
 }
 
@@ -195,7 +199,7 @@ HRESULT SafeArrayCopy(SAFEARRAY* source, SAFEARRAY** copy) {
   }
   const HRESULT result = CopyElements(array, source);
   if (FAILED(result)) {
-    SafeArrayDestroy(array);
+    DestroyArray(array);
     return result;
   }
   *copy = array;

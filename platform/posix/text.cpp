@@ -15,14 +15,14 @@ constexpr UINT kWesternCodePage = 1252;
 
 /// What the bytes 0x80 to 0x9F of code page 1252 stand for; every other byte stands for the character of its own
 /// number. The five bytes that the code page does not define stand for control characters.
-constexpr std::array<std::uint16_t, 32> kUpperControls = {
+constexpr std::array<char32_t, 32> kUpperControls = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
 };
-constexpr std::uint32_t kFirstUpperControl = 0x80;
+constexpr char32_t kFirstUpperControl = 0x80;
 
-constexpr bool IsUpperControl(std::uint32_t value) {
+constexpr bool IsUpperControl(char32_t value) {
   return value >= kFirstUpperControl && value < kFirstUpperControl + kUpperControls.size();
 }
 
@@ -33,7 +33,7 @@ WCHAR WideOf(char narrow) {
 
 /// The byte of a UTF-16 unit into `narrow`; false when it has none.
 bool NarrowOf(WCHAR wide, char& narrow) {
-  const auto unit = static_cast<std::uint32_t>(wide);
+  const auto unit = static_cast<char32_t>(wide);
   if (unit < 0x100 && !IsUpperControl(unit)) {
     narrow = static_cast<char>(unit);
     return true;
@@ -42,7 +42,7 @@ bool NarrowOf(WCHAR wide, char& narrow) {
   if (found == kUpperControls.end()) {
     return false;
   }
-  narrow = static_cast<char>(kFirstUpperControl + static_cast<std::uint32_t>(found - kUpperControls.begin()));
+  narrow = static_cast<char>(kFirstUpperControl + static_cast<char32_t>(found - kUpperControls.begin()));
   return true;
 }
 
@@ -101,7 +101,7 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR wide, int wideCount,
 std::size_t platform::DefaultLocaleWcstombs(char* target, const wchar_t* text, std::size_t capacity) {
   std::size_t length = 0;
   while (target == nullptr || length < capacity) {
-    const auto unit = static_cast<std::uint32_t>(text[length]);
+    const auto unit = static_cast<char32_t>(text[length]);
     if (unit > 0xFF) {
       errno = EILSEQ;
       return static_cast<std::size_t>(-1);
