@@ -111,10 +111,13 @@ class CimClass {
 public:
   std::wstring name;
   std::wstring superclass; ///< empty for a top-level class
+  std::wstring method;     ///< for the parameters of a method: its name; empty for any other class
   std::vector<PropertyDefinition> properties;
   std::vector<MethodDefinition> methods;
   std::vector<std::wstring> ancestors; ///< nearest first, filled in by the repository
 
+  /// What faults and overrides call it: the method for the parameters of one, else its own name.
+  const std::wstring& LookupName() const { return method.empty() ? name : method; }
   /// Whether this is the class of that name or derived from it.
   bool IsA(std::wstring_view className) const;
   /// The position of the property (or method) of that name; none when there is none.

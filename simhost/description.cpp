@@ -58,6 +58,23 @@ std::string QuotedList(const std::vector<std::string>& words) {
   return list;
 }
 
+std::string WordList(std::span<const CodeName> words) {
+  std::vector<std::string> known;
+  for (const CodeName& name : words) {
+    known.emplace_back(name.word);
+  }
+  return QuotedList(known);
+}
+
+const CodeName* FindWord(std::span<const CodeName> words, const Json* value) {
+  const std::string* text = value == nullptr ? nullptr : value->IfText();
+  if (text == nullptr) {
+    return nullptr;
+  }
+  const auto found = std::find_if(words.begin(), words.end(), [&](const CodeName& name) { return name.word == *text; });
+  return found == words.end() ? nullptr : &*found;
+}
+
 } // namespace
 
 void Node::Refuse(std::string_view expected) const {
@@ -173,27 +190,26 @@ std::vector<std::uint8_t> Node::Bytes(std::size_t most) const {
 }
 
 std::uint64_t Node::CodeNumber(std::span<const CodeName> words, std::uint64_t most) const {
+  if (const CodeName* name = FindWord(words, m_value)) {
+    return name->code;
+  }
   if (m_value != nullptr) {
-    if (const std::uint64_t* number = m_value->IfUnsigned(); number != nullptr && *number <= most) {
+    const std::uint64_t* given = m_value->IfUnsigned();
+    const std::string* text = m_value->IfText();
+    const std::optional<std::uint64_t> number =
+        given != nullptr ? std::optional(*given) : (text != nullptr ? HexNumber(*text) : std::nullopt);
+    if (number && *number <= most) {
       return *number;
     }
-    if (const std::string* text = m_value->IfText()) {
-      const auto found =
-          std::find_if(words.begin(), words.end(), [&](const CodeName& name) { return name.word == *text; });
-      if (found != words.end()) {
-        return found->code;
-      }
-      const std::optional<std::uint64_t> number = HexNumber(*text);
-      if (number && *number <= most) {
-        return *number;
-      }
-    }
   }
-  std::vector<std::string> known;
-  for (const CodeName& name : words) {
-    known.emplace_back(name.word);
+  Refuse("one of " + WordList(words) + " or " + RangeText("0", std::to_string(most)));
+}
+
+std::uint64_t Node::WordNumber(std::span<const CodeName> words) const {
+  if (const CodeName* name = FindWord(words, m_value)) {
+    return name->code;
   }
-  Refuse("one of " + QuotedList(known) + " or " + RangeText("0", std::to_string(most)));
+  Refuse("one of " + WordList(words));
 }
 
 std::vector<Node> Node::Elements(std::size_t most) const {

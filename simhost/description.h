@@ -90,6 +90,17 @@ public:
     return IsAbsent() ? fallback : Code<T>(words, most);
   }
 
+  /// The code of one of the words; numbers are refused.
+  std::uint64_t WordNumber(std::span<const CodeName> words) const;
+  template <class T>
+  T Word(std::span<const CodeName> words) const {
+    return static_cast<T>(WordNumber(words));
+  }
+  template <class T>
+  T Word(std::span<const CodeName> words, T fallback) const {
+    return IsAbsent() ? fallback : Word<T>(words);
+  }
+
   /// The elements of an array, at most `most`; none for an absent key.
   std::vector<Node> Elements(std::size_t most) const;
 

@@ -3,6 +3,7 @@
 #include "simhost/description.h"
 
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -35,22 +36,31 @@ public:
   /// Reads "faults": an array of rules.
   explicit FaultRules(const Node& faults);
 
-  /// Counts the call for every rule that matches it and gives what comes of it: the first rule that applies decides
-  /// code and nothing, the delays add up. Targets are compared as names; a rule without a target matches any.
-  Fault Take(std::string_view operation, std::string_view target);
-  Fault Take(std::string_view operation, std::wstring_view target);
+  /// Counts the call for every rule that matches it and gives what comes of it: of the rules that apply the first
+  /// decides code and nothing, the delays add up. `operation` is a position in kOperations. A rule's target is the
+  /// object (a class or a method), its member (a property or a method) or both as "object.member", without regard to
+  /// case; a rule without a target matches any call of its operation.
+  Fault Take(std::size_t operation, std::wstring_view object, std::wstring_view member = {});
+
+  /// The same for an operation of the platform: a rule's target is the whole target or what stands behind its last
+  /// slash or backslash.
+  Fault TakePlatform(std::string_view operation, std::string_view target);
 
   bool IsEmpty() const { return m_rules.empty(); }
 
 private:
   struct Rule {
-    std::string operation;
-    std::optional<std::string> target;
+    std::size_t operation = 0;
+    std::optional<std::wstring> target;
     Occurrence occurrence;
     Fault fault;
     std::uint64_t count = 0;
   };
-  std::mutex m_lock;
+  static Rule ReadRule(const Node& fault);
+  template <class Matches>
+  Fault TakeMatching(std::size_t operation, Matches matches);
+
+  std::unique_ptr<std::mutex> m_lock = std::make_unique<std::mutex>();
   std::vector<Rule> m_rules;
 };
 

@@ -3,6 +3,7 @@
 #include "simhost/cim.h"
 #include "simhost/description.h"
 #include "simhost/faults.h"
+#include "simhost/repository.h"
 
 #include <cstdint>
 #include <functional>
@@ -18,8 +19,8 @@ namespace simhost {
 class OverrideRules {
 public:
   OverrideRules() = default;
-  /// Reads "overrides": an array of rules.
-  explicit OverrideRules(const Node& overrides);
+  /// Reads "overrides": an array of rules about classes and methods that the repository has.
+  OverrideRules(const Node& overrides, const Repository& repository);
 
   /// Applies the rules for the object's class to it; `index` is its position in its enumeration or list.
   void Apply(CimObject& object, std::size_t index);
@@ -27,14 +28,19 @@ public:
   bool IsEmpty() const { return m_rules.empty(); }
 
 private:
+  /// What a rule makes of the property at that position.
+  using Change = std::function<void(CimObject&, std::size_t)>;
   struct Rule {
-    std::wstring className;
+    std::wstring target; ///< a class, or the method whose output it is
     std::wstring property;
     Occurrence occurrence;
     std::optional<std::size_t> index;
-    std::function<void(CimObject&, std::size_t)> change; ///< of the object's property at that position
+    Change change;
     std::uint64_t count = 0;
   };
+  static Rule ReadRule(const Node& override, const Repository& repository);
+  static Change ReadChange(Members& members);
+
   std::vector<Rule> m_rules;
 };
 

@@ -22,12 +22,13 @@ Outcome AskProvider(Call call) {
   }
 }
 
-ClassRef ParametersClass(const std::vector<PropertyDefinition>& parameters) {
+ClassRef ParametersClass(const std::vector<PropertyDefinition>& parameters, const std::wstring& method) {
   if (parameters.empty()) {
     return nullptr;
   }
   CimClass definition;
   definition.name = L"__PARAMETERS";
+  definition.method = method;
   definition.properties = parameters;
   return std::make_shared<const CimClass>(std::move(definition));
 }
@@ -61,8 +62,8 @@ void Repository::CompleteDefinition(CimClass& definition) const {
     definition.ancestors.insert(definition.ancestors.begin(), superclass->name);
   }
   for (MethodDefinition& method : definition.methods) {
-    method.inputClass = ParametersClass(method.inputs);
-    method.outputClass = ParametersClass(method.outputs);
+    method.inputClass = ParametersClass(method.inputs, method.name);
+    method.outputClass = ParametersClass(method.outputs, method.name);
   }
 }
 
@@ -93,6 +94,15 @@ ClassRef Repository::RequireClass(std::wstring_view name) const {
     throw std::invalid_argument("no class " + Utf8FromWide(name));
   }
   return definition;
+}
+
+std::vector<ClassRef> Repository::Classes() const {
+  const std::scoped_lock lock(m_lock);
+  std::vector<ClassRef> classes;
+  for (const std::unique_ptr<Entry>& entry : m_classes) {
+    classes.push_back(entry->definition);
+  }
+  return classes;
 }
 
 Outcome Repository::CollectInstances(const Entry& entry, std::vector<CimObject>& instances) {
@@ -129,7 +139,7 @@ Outcome Repository::EnumerateInstances(std::wstring_view className, bool deep, s
       return {outcome.result, whole.delay};
     }
     for (std::size_t i = 0; i < own.size(); ++i) {
-      ApplyOverrides(own[i], own[i].Class()->name, i);
+      ApplyOverrides(own[i], i);
       instances.push_back(std::move(own[i]));
     }
   }
@@ -173,7 +183,7 @@ Outcome Repository::GetObject(std::wstring_view path, std::optional<CimObject>& 
   Entry* entry = nullptr;
   const Outcome outcome = FindInstance(*parsed, entry, object);
   if (object) {
-    ApplyOverrides(*object, object->Class()->name, 0);
+    ApplyOverrides(*object, 0);
   }
   return outcome;
 }
@@ -230,7 +240,7 @@ Outcome Repository::ExecuteMethod(std::wstring_view path, std::wstring_view meth
   Outcome outcome = AskProvider([&] { return entry->provider->ExecuteMethod(call, answer ? &*answer : nullptr); });
   outcome.delay += found.delay;
   if (SUCCEEDED(outcome.result) && answer) {
-    ApplyOverrides(*answer, definition->name, 0);
+    ApplyOverrides(*answer, 0);
     output = std::move(answer);
   }
   return outcome;
@@ -268,11 +278,11 @@ Outcome Repository::Query(std::wstring_view text, std::vector<CimObject>& result
   return {};
 }
 
-void Repository::ApplyOverrides(CimObject& object, std::wstring_view target, std::size_t index) const {
+void Repository::ApplyOverrides(CimObject& object, std::size_t index) const {
   if (!m_override) {
     return;
   }
-  m_override(object, target, index);
+  m_override(object, index);
   for (std::size_t i = 0; i < object.Count(); ++i) {
     const CimValue& value = object.ValueAt(i);
     if (value.IfObject() != nullptr || value.IfArray() != nullptr) {
@@ -284,7 +294,7 @@ void Repository::ApplyOverrides(CimObject& object, std::wstring_view target, std
 CimValue Repository::OverriddenValue(const CimValue& value) const {
   const auto overridden = [&](const CimObject& original, std::size_t index) {
     CimObject copy = original;
-    ApplyOverrides(copy, copy.Class()->name, index);
+    ApplyOverrides(copy, index);
     return CimValue::Embed(std::move(copy));
   };
   if (const CimObject* object = value.IfObject()) {

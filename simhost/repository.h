@@ -30,12 +30,14 @@ public:
   ClassRef FindClass(std::wstring_view name) const;
   /// The same for a class that must be there: throws std::invalid_argument when it is not.
   ClassRef RequireClass(std::wstring_view name) const;
+  /// All classes in the order added.
+  std::vector<ClassRef> Classes() const;
 
   /// Called before each call of a provider, with the repository's lock held (to take in what another run changed).
   void SetRefresh(std::function<void()> refresh) { m_refresh = std::move(refresh); }
-  /// Called for each object on its way out, with what it is looked up by (its class, or the method whose output it is)
-  /// and its position in its enumeration or list.
-  using Override = std::function<void(CimObject& object, std::wstring_view target, std::size_t index)>;
+  /// Called for each instance and each method's output on its way out, and for the objects embedded in them, with its
+  /// position in its enumeration or list.
+  using Override = std::function<void(CimObject& object, std::size_t index)>;
   void SetOverride(Override apply) { m_override = std::move(apply); }
 
   // The operations of the WMI service. Each gives an outcome whose delay the caller waits out.
@@ -64,7 +66,7 @@ private:
   Outcome CollectInstances(const Entry& entry, std::vector<CimObject>& instances);
   Outcome FindInstance(const ObjectPath& path, Entry*& entry, std::optional<CimObject>& instance);
   bool CoerceInput(const MethodDefinition& method, const CimObject& given, CimObject& input) const;
-  void ApplyOverrides(CimObject& object, std::wstring_view target, std::size_t index) const;
+  void ApplyOverrides(CimObject& object, std::size_t index) const;
   CimValue OverriddenValue(const CimValue& value) const;
 
   mutable std::recursive_mutex m_lock;
