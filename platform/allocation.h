@@ -11,9 +11,9 @@ namespace platform {
 /// A store above this size counts as one that cannot be allocated (1 GiB).
 inline constexpr std::uint64_t kAllocationCap = std::uint64_t{1} << 30;
 
-/// `bytes` zero-filled bytes (at least one is always there), aligned for any type, or nullptr with errno ENOMEM when the heap
-/// refuses or `bytes` is above the cap. `storeName` is the name that the store's failure message carries (static text).
-/// Release with FreeStore.
+/// `bytes` zero-filled bytes (at least one is always there), aligned for any type, or nullptr with errno ENOMEM when
+/// the heap refuses or `bytes` is above the cap. `storeName` is the name that the store's failure message carries
+/// (static text). Release with FreeStore.
 void* AllocateStore(const char* storeName, std::uint64_t bytes) noexcept;
 
 /// Releases what AllocateStore gave; nullptr is allowed.

@@ -28,10 +28,10 @@ inline constexpr DWORD FORMAT_MESSAGE_FROM_SYSTEM = 0x00001000;
 DWORD GetLastError();
 void SetLastError(DWORD code);
 
-/// The system's text for `messageId`, trailing "\r\n" included, into `buffer` (`size` wide characters). Gives the
-/// number of characters without the terminator, or 0 with the last error 317 for a code without text, 122 for a buffer
-/// too small. Only FORMAT_MESSAGE_FROM_SYSTEM (with or without ignored inserts), no source and language 0 are
-/// supported.
+/// The system's text for `messageId`, trailing "\r\n" included, into `buffer` (`size` wide characters); the HRESULT
+/// 0x8007nnnn has the text of the code nnnn. Gives the number of characters without the terminator, or 0 with the last
+/// error 317 for a code without text, 122 for a buffer too small. Only FORMAT_MESSAGE_FROM_SYSTEM (with or without
+/// ignored inserts), no source and language 0 are supported.
 DWORD FormatMessageW(DWORD flags, const void* source, DWORD messageId, DWORD languageId, LPWSTR buffer, DWORD size,
                      void* arguments);
 #endif

@@ -31,15 +31,15 @@ enum COMPUTER_NAME_FORMAT : int {
 inline constexpr LCID LOCALE_SYSTEM_DEFAULT = 0x0800;
 inline constexpr DWORD TIME_FORCE24HOURFORMAT = 0x00000008;
 
-/// The machine's name into `buffer`; `*size` is its capacity in wide characters on entry, on success the length without the
-/// terminator, with the last error 234 the capacity needed.
+/// The machine's name into `buffer`; `*size` is its capacity in wide characters on entry, on success the length without
+/// the terminator, with the last error 234 the capacity needed.
 BOOL GetComputerNameExW(COMPUTER_NAME_FORMAT nameType, LPWSTR buffer, DWORD* size);
 
 /// The machine's current date and time in UTC.
 void GetSystemTime(SYSTEMTIME* now);
 
-/// `time` (none: now) by a picture of H, HH, h, hh, m, mm, s, ss, t, tt and quoted text. Gives the characters written, the
-/// terminator included (`capacity` 0 only measures), or 0 with the last error 87 or 122.
+/// `time` (none: now) by a picture of H, HH, h, hh, m, mm, s, ss, t, tt and quoted text. Gives the characters written,
+/// the terminator included (`capacity` 0 only measures), or 0 with the last error 87 or 122.
 int GetTimeFormatW(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCWSTR picture, LPWSTR text, int capacity);
 
 /// The same for a date picture of d, dd, ddd, dddd, M, MM, MMM, MMMM, y, yy, yyyy and quoted text; English names.

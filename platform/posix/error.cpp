@@ -11,6 +11,12 @@ thread_local DWORD gLastError = ERROR_SUCCESS;
 
 constexpr std::wstring_view kLineEnd = L"\r\n";
 
+/// The error behind a message id: HRESULTs that wrap an error have its text.
+DWORD UnwrapError(DWORD messageId) {
+  constexpr DWORD kWrappedError = 0x80070000;
+  return (messageId & 0xFFFF0000U) == kWrappedError ? messageId & 0xFFFFU : messageId;
+}
+
 DWORD Fail(DWORD code) {
   SetLastError(code);
   return 0;
@@ -32,7 +38,7 @@ DWORD FormatMessageW(DWORD flags, const void* source, DWORD messageId, DWORD lan
       buffer == nullptr) {
     return Fail(ERROR_INVALID_PARAMETER);
   }
-  const std::wstring_view message = platform::SystemMessage(messageId);
+  const std::wstring_view message = platform::SystemMessage(UnwrapError(messageId));
   if (message.empty()) {
     return Fail(ERROR_MR_MID_NOT_FOUND);
   }

@@ -1,0 +1,152 @@
+#include "platform/com.h"
+#include "tests/contract/support/counted_object.h"
+#include "tests/contract/support/system_under_test.h"
+
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace {
+
+using contract::CountedObject;
+
+constexpr CLSID kNoClass = {0x11111111, 0x2222, 0x3333, {1, 2, 3, 4, 5, 6, 7, 8}};
+
+HRESULT StartCom() {
+  return CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+}
+
+HRESULT CreateNoClass() {
+  int somewhere = 0;
+  void* object = &somewhere;
+  const HRESULT result = CoCreateInstance(kNoClass, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, &object);
+  EXPECT_EQ(nullptr, object);
+  return result;
+}
+
+HRESULT SetSecurity() {
+  return CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_PKT, RPC_C_IMP_LEVEL_IMPERSONATE,
+                              nullptr, EOAC_NONE, nullptr);
+}
+
+TEST(ComStart, IsPerThreadAndCounted) {
+  EXPECT_EQ(S_OK, StartCom());
+  EXPECT_EQ(S_FALSE, StartCom());
+  HRESULT ofOther = E_FAIL;
+  std::thread([&ofOther] {
+    ofOther = StartCom();
+    CoUninitialize();
+  }).join();
+  EXPECT_EQ(S_OK, ofOther);
+  CoUninitialize();
+  EXPECT_EQ(S_FALSE, StartCom());
+  CoUninitialize();
+  CoUninitialize();
+  EXPECT_EQ(S_OK, StartCom());
+  CoUninitialize();
+}
+
+TEST(ComStart, ObjectsNeedItAndAClass) {
+  EXPECT_EQ(CO_E_NOTINITIALIZED, CreateNoClass());
+  ASSERT_EQ(S_OK, StartCom());
+  EXPECT_EQ(REGDB_E_CLASSNOTREG, CreateNoClass());
+  HRESULT ofOther = S_OK;
+  std::thread([&ofOther] { ofOther = CreateNoClass(); }).join(); // a thread that has not started COM itself
+  EXPECT_EQ(REGDB_E_CLASSNOTREG, ofOther);
+  CoUninitialize();
+  EXPECT_EQ(E_POINTER, CoCreateInstance(kNoClass, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, nullptr));
+}
+
+TEST(ComStart, SecurityIsSetOnce) {
+  if (contract::RunsUnderWine()) {
+    GTEST_SKIP() << "Wine takes every CoInitializeSecurity, started or not";
+  }
+  EXPECT_EQ(CO_E_NOTINITIALIZED, SetSecurity());
+  ASSERT_EQ(S_OK, StartCom());
+  EXPECT_EQ(S_OK, SetSecurity());
+  EXPECT_EQ(RPC_E_TOO_LATE, SetSecurity());
+  CoUninitialize();
+}
+
+/// A proxy that keeps the blanket it was given and answers with a chosen result.
+class Proxy : public CountedObject {
+public:
+  explicit Proxy(HRESULT answer) : m_security(*this, answer) {}
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
+    if (!IsEqualIID(riid, IID_IClientSecurity)) {
+      return CountedObject::QueryInterface(riid, object);
+    }
+    *object = &m_security;
+    AddRef();
+    return S_OK;
+  }
+
+  struct Blanket {
+    IUnknown* proxy = nullptr;
+    DWORD authnService = 0;
+    DWORD authzService = 0;
+    OLECHAR* principal = nullptr;
+    DWORD authnLevel = 0;
+    DWORD impLevel = 0;
+    void* identity = nullptr;
+    DWORD capabilities = 0;
+  };
+  Blanket blanket;
+
+private:
+  class Security : public IClientSecurity {
+  public:
+    Security(Proxy& owner, HRESULT answer) : m_owner(owner), m_answer(answer) {}
+    virtual ~Security() = default;
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
+      return m_owner.QueryInterface(riid, object);
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return m_owner.AddRef(); }
+    ULONG STDMETHODCALLTYPE Release() override { return m_owner.Release(); }
+    HRESULT STDMETHODCALLTYPE QueryBlanket(IUnknown*, DWORD*, DWORD*, OLECHAR**, DWORD*, DWORD*, void**,
+                                           DWORD*) override {
+      return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE SetBlanket(IUnknown* proxy, DWORD authnService, DWORD authzService, OLECHAR* principal,
+                                         DWORD authnLevel, DWORD impLevel, void* identity,
+                                         DWORD capabilities) override {
+      m_owner.blanket = {proxy, authnService, authzService, principal, authnLevel, impLevel, identity, capabilities};
+      return m_answer;
+    }
+    HRESULT STDMETHODCALLTYPE CopyProxy(IUnknown*, IUnknown**) override { return E_NOTIMPL; }
+
+  private:
+    Proxy& m_owner;
+    HRESULT m_answer;
+  };
+  Security m_security;
+};
+
+TEST(ProxyBlanket, IsSetThroughTheProxysOwnSecurity) {
+  for (const HRESULT answer : {HRESULT{S_OK}, HRESULT{E_ACCESSDENIED}}) {
+    Proxy proxy(answer);
+    wchar_t principal[] = L"principal";
+    int identity = 0;
+    EXPECT_EQ(answer, CoSetProxyBlanket(&proxy, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, principal, RPC_C_AUTHN_LEVEL_PKT,
+                                        RPC_C_IMP_LEVEL_IMPERSONATE, &identity, EOAC_NONE));
+    EXPECT_EQ(0U, proxy.references());
+    EXPECT_EQ(&proxy, proxy.blanket.proxy);
+    EXPECT_EQ(DWORD{RPC_C_AUTHN_WINNT}, proxy.blanket.authnService);
+    EXPECT_EQ(DWORD{RPC_C_AUTHZ_NONE}, proxy.blanket.authzService);
+    EXPECT_EQ(principal, proxy.blanket.principal);
+    EXPECT_EQ(DWORD{RPC_C_AUTHN_LEVEL_PKT}, proxy.blanket.authnLevel);
+    EXPECT_EQ(DWORD{RPC_C_IMP_LEVEL_IMPERSONATE}, proxy.blanket.impLevel);
+    EXPECT_EQ(&identity, proxy.blanket.identity);
+    EXPECT_EQ(DWORD{EOAC_NONE}, proxy.blanket.capabilities);
+  }
+}
+
+TEST(ProxyBlanket, AnObjectWithoutSecurityHasNone) {
+  CountedObject object;
+  EXPECT_EQ(E_NOINTERFACE,
+            CoSetProxyBlanket(&object, RPC_C_AUTHN_DEFAULT, RPC_C_AUTHZ_NONE, nullptr, RPC_C_AUTHN_LEVEL_DEFAULT,
+                              RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE));
+  EXPECT_EQ(0U, object.references());
+}
+
+} // namespace

@@ -1,0 +1,129 @@
+#include "platform/devices.h"
+#include "platform/error.h"
+#include "platform/host.h"
+#include "tests/contract/support/markers.h"
+#include "tests/contract/support/system_under_test.h"
+
+#include <chrono>
+#include <cwchar>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace {
+
+using contract::kUntouchedError;
+using contract::LastErrorOnly;
+using contract::SetMarkers;
+
+TEST(ComputerName, SizesAndErrors) {
+  for (const COMPUTER_NAME_FORMAT form : {ComputerNameDnsHostname, ComputerNameDnsDomain}) {
+    SCOPED_TRACE(static_cast<int>(form));
+    wchar_t name[256] = {};
+    DWORD size = 256;
+    SetMarkers();
+    ASSERT_NE(FALSE, GetComputerNameExW(form, name, &size));
+    EXPECT_EQ(kUntouchedError, LastErrorOnly());
+    const auto length = static_cast<DWORD>(std::wcslen(name));
+    EXPECT_EQ(length, size);
+
+    DWORD measured = 0;
+    SetMarkers();
+    EXPECT_EQ(FALSE, GetComputerNameExW(form, nullptr, &measured));
+    EXPECT_EQ(DWORD{ERROR_MORE_DATA}, LastErrorOnly());
+    EXPECT_EQ(length + 1, measured);
+
+    DWORD oneShort = length;
+    SetMarkers();
+    EXPECT_EQ(FALSE, GetComputerNameExW(form, name, &oneShort));
+    EXPECT_EQ(DWORD{ERROR_MORE_DATA}, LastErrorOnly());
+    EXPECT_EQ(length + 1, oneShort);
+
+    DWORD exact = length + 1;
+    EXPECT_NE(FALSE, GetComputerNameExW(form, name, &exact));
+    EXPECT_EQ(length, exact);
+  }
+}
+
+TEST(ComputerName, UnknownFormsAreRefused) {
+  wchar_t name[256] = {};
+  DWORD size = 256;
+  SetMarkers();
+  EXPECT_EQ(FALSE, GetComputerNameExW(static_cast<COMPUTER_NAME_FORMAT>(8), name, &size));
+  EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, LastErrorOnly());
+}
+
+struct CalendarRow {
+  std::uint64_t fileTime;
+  SYSTEMTIME date; ///< year, month, day of week, day, hour, minute, second, milliseconds
+};
+
+constexpr CalendarRow kCalendarRows[] = {
+    {0, {1601, 1, 1, 1, 0, 0, 0, 0}},
+    {9999, {1601, 1, 1, 1, 0, 0, 0, 0}}, // below a millisecond
+    {10000, {1601, 1, 1, 1, 0, 0, 0, 1}},
+    {94405823990000000, {1900, 2, 3, 28, 23, 59, 59, 0}}, // 1900 has no leap day
+    {94405824000000000, {1900, 3, 4, 1, 0, 0, 0, 0}},
+    {116444736000000000, {1970, 1, 4, 1, 0, 0, 0, 0}},
+    {125962560000000000, {2000, 2, 2, 29, 0, 0, 0, 0}},
+    {159394408950000000, {2106, 2, 0, 7, 6, 28, 15, 0}}, // the last second of 32 bits
+    {0x7FFFFFFFFFFFFFFF, {30828, 9, 4, 14, 2, 48, 5, 477}},
+};
+
+TEST(FileTime, FollowsTheGregorianCalendar) {
+  for (const CalendarRow& row : kCalendarRows) {
+    SCOPED_TRACE(row.fileTime);
+    const FILETIME fileTime = {static_cast<DWORD>(row.fileTime), static_cast<DWORD>(row.fileTime >> 32U)};
+    SYSTEMTIME date = {};
+    SetMarkers();
+    ASSERT_NE(FALSE, FileTimeToSystemTime(&fileTime, &date));
+    EXPECT_EQ(kUntouchedError, LastErrorOnly());
+    EXPECT_EQ(row.date.wYear, date.wYear);
+    EXPECT_EQ(row.date.wMonth, date.wMonth);
+    EXPECT_EQ(row.date.wDayOfWeek, date.wDayOfWeek);
+    EXPECT_EQ(row.date.wDay, date.wDay);
+    EXPECT_EQ(row.date.wHour, date.wHour);
+    EXPECT_EQ(row.date.wMinute, date.wMinute);
+    EXPECT_EQ(row.date.wSecond, date.wSecond);
+    EXPECT_EQ(row.date.wMilliseconds, date.wMilliseconds);
+  }
+}
+
+TEST(FileTime, TheUpperHalfIsRefused) {
+  for (const DWORD high : {0x80000000U, 0xFFFFFFFFU}) {
+    const FILETIME fileTime = {0, high};
+    SYSTEMTIME date = {};
+    SetMarkers();
+    EXPECT_EQ(FALSE, FileTimeToSystemTime(&fileTime, &date));
+    EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, LastErrorOnly());
+  }
+}
+
+TEST(Clock, TellsUtcAndSleepTakesItsTime) {
+  using std::chrono::system_clock;
+  const auto before = system_clock::now();
+  SYSTEMTIME now = {};
+  GetSystemTime(&now);
+  const std::chrono::sys_days day =
+      std::chrono::year(now.wYear) / std::chrono::month(now.wMonth) / std::chrono::day(now.wDay);
+  const auto told = day + std::chrono::hours(now.wHour) + std::chrono::minutes(now.wMinute) +
+                    std::chrono::seconds(now.wSecond) + std::chrono::milliseconds(now.wMilliseconds);
+  EXPECT_LE(told, system_clock::now() + std::chrono::seconds(1));
+  EXPECT_GE(told, before - std::chrono::seconds(1));
+  const auto asleep = std::chrono::steady_clock::now();
+  Sleep(30);
+  EXPECT_GE(std::chrono::steady_clock::now() - asleep, std::chrono::milliseconds(25));
+}
+
+TEST(DeviceTree, TheRootCanBeLocated) {
+  if (contract::RunsUnderWine()) {
+    GTEST_SKIP() << "Wine has no device tree: it gives CR_FAILURE";
+  }
+  DEVINST root = 0;
+  EXPECT_EQ(CONFIGRET{CR_SUCCESS}, CM_Locate_DevNode_ExW(&root, nullptr, CM_LOCATE_DEVNODE_NORMAL, nullptr));
+  EXPECT_NE(0U, root);
+  EXPECT_EQ(CONFIGRET{CR_INVALID_POINTER}, CM_Locate_DevNode_ExW(nullptr, nullptr, CM_LOCATE_DEVNODE_NORMAL, nullptr));
+  EXPECT_EQ(CONFIGRET{CR_INVALID_FLAG}, CM_Locate_DevNode_ExW(&root, nullptr, 0x10000000, nullptr));
+  EXPECT_EQ(CONFIGRET{CR_INVALID_FLAG}, CM_Reenumerate_DevNode_Ex(root, 0x10000000, nullptr));
+}
+
+} // namespace
