@@ -74,7 +74,6 @@ int RunKorvex(int wordCount, char** words) {
 }
 
 int RunGuarded(int (*run)(int wordCount, char** words), int wordCount, char** words) noexcept {
-  SetUpConsole();
   int status = kInitializationFailed;
   try {
     status = run(wordCount, words);

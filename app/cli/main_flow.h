@@ -6,8 +6,8 @@ namespace korvex {
 /// their order. Gives the run's status.
 int RunKorvex(int wordCount, char** words);
 
-/// The same for the process's own command line: with standard output set up, and -1 after a message when an exception
-/// ends `run`.
+/// The status that `run` gives, or -1 after a message when an exception ends it. What was printed has left the process
+/// then.
 int RunGuarded(int (*run)(int wordCount, char** words), int wordCount, char** words) noexcept;
 
 } // namespace korvex
