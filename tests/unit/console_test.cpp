@@ -37,8 +37,11 @@ TEST(Print, GoesWholeToItsStream) {
       PrintToStream(kStandardOutput, "%s|%d\n", text.c_str(), 3);
       PrintToStream(kStandardError, "%s|%d\n", text.c_str(), 4);
     });
-    EXPECT_EQ(output.out, text + "|1\n" + text + "|3\n") << length;
-    EXPECT_EQ(output.err, text + "|2\n" + text + "|4\n") << length;
+    const auto lines = [&text](const char* first, const char* second) {
+      return std::string(text).append(first).append(text).append(second);
+    };
+    EXPECT_EQ(output.out, lines("|1\n", "|3\n")) << length;
+    EXPECT_EQ(output.err, lines("|2\n", "|4\n")) << length;
   }
 }
 

@@ -23,6 +23,7 @@ ScanResult Scan(std::vector<std::string> words, const char* programName = "k") {
   char letters[80];
   FormatOptionLetters(letters, sizeof(letters));
   std::vector<char*> pointers;
+  pointers.reserve(words.size());
   for (std::string& word : words) {
     pointers.push_back(word.data());
   }
