@@ -17,9 +17,9 @@ using Formatter = decltype(&GetTimeFormatW);
 
 struct PictureRow {
   SYSTEMTIME time; ///< year, month, day of week (not looked at), day, hour, minute, second, milliseconds
-  DWORD flags;
   const wchar_t* picture;
   const wchar_t* text;
+  DWORD flags = 0;
   bool wineDiffers = false;
 };
 
@@ -29,35 +29,32 @@ constexpr SYSTEMTIME kMidnight = {2026, 11, 4, 19, 0, 0, 0, 0};
 constexpr SYSTEMTIME kNoon = {2026, 11, 4, 19, 12, 0, 0, 0};
 
 constexpr PictureRow kTimeRows[] = {
-    {kMorning, TIME_FORCE24HOURFORMAT, L" HH':'mm':'ss ", L" 04:50:09 "},
-    {kEvening, TIME_FORCE24HOURFORMAT, L" HH':'mm':'ss ", L" 21:05:54 "},
-    {kMorning, 0, L"H:m:s", L"4:50:9"},
-    {kEvening, 0, L"hh.mm.ss tt", L"09.05.54 PM"},
-    {kMorning, 0, L"h:mm t", L"4:50 A"},
-    {kMidnight, 0, L"h tt", L"12 AM"},
-    {kNoon, 0, L"h tt", L"12 PM"},
-    {kEvening, TIME_FORCE24HOURFORMAT, L"hh:mm", L"21:05"},
-    {kMorning, 0, L"HHHH", L"04"},
-    {kMorning, 0, L"'HH'", L"HH"},
-    {kMorning, 0, L"H 'o''clock'", L"4 o'clock"},
-    {kMorning, 0, L"H''''m", L"4'50"},
-    {kMorning, 0, L"H'to the end", L"4to the end"},
-    {kMorning, 0, L"'only text'", L"only text"},
+    {kMorning, L" HH':'mm':'ss ", L" 04:50:09 ", TIME_FORCE24HOURFORMAT},
+    {kEvening, L" HH':'mm':'ss ", L" 21:05:54 ", TIME_FORCE24HOURFORMAT},
+    {kMorning, L"H:m:s", L"4:50:9"},
+    {kEvening, L"hh.mm.ss tt", L"09.05.54 PM"},
+    {kMorning, L"h:mm t", L"4:50 A"},
+    {kMidnight, L"h tt", L"12 AM"},
+    {kNoon, L"h tt", L"12 PM"},
+    {kEvening, L"hh:mm", L"21:05", TIME_FORCE24HOURFORMAT},
+    {kMorning, L"HHHH", L"04"},
+    {kMorning, L"'HH'", L"HH"},
+    {kMorning, L"H 'o''clock'", L"4 o'clock"},
+    {kMorning, L"H''''m", L"4'50"},
+    {kMorning, L"H'to the end", L"4to the end"},
+    {kMorning, L"'only text'", L"only text"},
 };
 
 constexpr PictureRow kDateRows[] = {
-    {kMorning, 0, L"ddd MMM dd", L"Thu Nov 19"},
-    {kMorning, 0, L"yyyy", L"2026"},
-    {{2026, 3, 0, 7, 0, 0, 0, 0},
-     0,
-     L"dddd, d MMMM yyyy",
-     L"Saturday, 7 March 2026"}, // the day of the week is computed
-    {{2026, 3, 0, 7, 0, 0, 0, 0}, 0, L"M/d/yy", L"3/7/26"},
-    {{2006, 3, 0, 7, 0, 0, 0, 0}, 0, L"MM-dd-y", L"03-07-6", true},
-    {{1601, 1, 0, 1, 0, 0, 0, 0}, 0, L"ddd yyyy", L"Mon 1601"},
-    {{2000, 2, 0, 29, 0, 0, 0, 0}, 0, L"ddd MMM d", L"Tue Feb 29"},
-    {kMorning, 0, L"'day' d", L"day 19"},
-    {kMorning, 0, L"d 'o''' M", L"19 o' 11"},
+    {kMorning, L"ddd MMM dd", L"Thu Nov 19"},
+    {kMorning, L"yyyy", L"2026"},
+    {{2026, 3, 0, 7, 0, 0, 0, 0}, L"dddd, d MMMM yyyy", L"Saturday, 7 March 2026"}, // the day of the week is computed
+    {{2026, 3, 0, 7, 0, 0, 0, 0}, L"M/d/yy", L"3/7/26"},
+    {{2006, 3, 0, 7, 0, 0, 0, 0}, L"MM-dd-y", L"03-07-6", 0, true},
+    {{1601, 1, 0, 1, 0, 0, 0, 0}, L"ddd yyyy", L"Mon 1601"},
+    {{2000, 2, 0, 29, 0, 0, 0, 0}, L"ddd MMM d", L"Tue Feb 29"},
+    {kMorning, L"'day' d", L"day 19"},
+    {kMorning, L"d 'o''' M", L"19 o' 11"},
 };
 
 void CheckPicture(Formatter format, const PictureRow& row) {
