@@ -61,7 +61,7 @@ std::span<const HostSection> HostSections();
 
 /// A host from the text of its description. Throws DescriptionError, JsonError or StateError.
 std::unique_ptr<Host> ReadHost(std::string_view description, const std::string& statePath);
-/// A machine without description: its real name and clock, neither DSM nor MPIO, no state.
-std::unique_ptr<Host> MakeBareHost();
+/// A machine without description: the real clock, neither DSM nor MPIO, changes kept in memory.
+std::unique_ptr<Host> MakeBareHost(std::wstring computerName);
 
 } // namespace simhost

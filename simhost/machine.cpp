@@ -1,0 +1,185 @@
+#include "simhost/machine.h"
+
+#include "platform/error.h"
+#include "simhost/services.h"
+#include "simhost/text.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <unistd.h>
+
+namespace simhost {
+
+namespace {
+
+constexpr CONFIGRET kNoSuchDevice = 0x0D;
+constexpr CONFIGRET kInvalidDevice = 0x05;
+constexpr DEVINST kRootNode = 1;
+constexpr std::size_t kNetBiosUnits = 15;
+
+std::wstring NetBiosName(std::wstring name) {
+  name.resize(std::min(name.size(), kNetBiosUnits));
+  for (wchar_t& unit : name) {
+    unit = unit >= L'a' && unit <= L'z' ? static_cast<wchar_t>(unit - L'a' + L'A') : unit;
+  }
+  return name;
+}
+
+class SimulatedMachine : public platform::Machine {
+public:
+  explicit SimulatedMachine(std::shared_ptr<Host> host) : m_host(std::move(host)) {}
+
+  bool HasFaults() const noexcept override { return !m_host->faults.IsEmpty(); }
+
+  std::optional<std::uint32_t> TakeFault(std::string_view operation, std::string_view target) override {
+    try {
+      const Fault fault = m_host->faults.TakePlatform(operation, target);
+      if (fault.delay != 0) {
+        m_host->clock->Wait(fault.delay);
+      }
+      return fault.code;
+    } catch (const std::exception&) {
+      return std::nullopt;
+    }
+  }
+
+  HRESULT CreateComObject(REFCLSID classId, REFIID riid, void** object) override {
+    if (!IsEqualGUID(classId, CLSID_WbemLocator)) {
+      return REGDB_E_CLASSNOTREG;
+    }
+    auto* locator = new (std::nothrow) Locator(m_host);
+    if (locator == nullptr) {
+      return E_OUTOFMEMORY;
+    }
+    const HRESULT result = locator->QueryInterface(riid, object);
+    locator->Release();
+    return result;
+  }
+
+  std::optional<std::wstring> ComputerName(COMPUTER_NAME_FORMAT form, DWORD& error) override {
+    const simhost::ComputerName& computer = m_host->computer;
+    const bool asksDomain = form == ComputerNameDnsDomain;
+    const std::optional<std::wstring>& name = asksDomain ? computer.domain : computer.name;
+    if (!name) {
+      error = ERROR_FILE_NOT_FOUND;
+      return std::nullopt;
+    }
+    return form == ComputerNameNetBIOS ? NetBiosName(*name) : *name;
+  }
+
+  std::uint64_t Now() override { return m_host->clock->Now(); }
+  void Wait(std::uint32_t milliseconds) override { m_host->clock->Wait(milliseconds); }
+
+  CONFIGRET LocateDeviceTreeRoot(DEVINST& node) override {
+    if (!m_host->deviceTreeRoot) {
+      return kNoSuchDevice;
+    }
+    node = kRootNode;
+    return CR_SUCCESS;
+  }
+
+  CONFIGRET ReenumerateDeviceNode(DEVINST node) override {
+    if (node != kRootNode || !m_host->deviceTreeRoot) {
+      return kInvalidDevice;
+    }
+    try {
+      m_host->state.Update([](StateChange& change) {
+        const Json* counted = change.Find("deviceTree/reenumerations");
+        const std::uint64_t* count = counted == nullptr ? nullptr : counted->IfUnsigned();
+        change.Set("deviceTree/reenumerations", (count == nullptr ? 0 : *count) + 1);
+      });
+    } catch (const std::exception&) {
+      return CR_FAILURE;
+    }
+    return CR_SUCCESS;
+  }
+
+private:
+  std::shared_ptr<Host> m_host;
+};
+
+/// Says why the machine cannot be made, in one line, and ends the process.
+[[noreturn]] void Refuse(const std::string& reason) {
+  std::fputs((reason + "\n").c_str(), stderr);
+  std::fflush(stderr);
+  std::_Exit(2);
+}
+
+std::wstring RealComputerName() {
+  char name[256] = {};
+  if (gethostname(name, sizeof name - 1) != 0) {
+    return L"localhost";
+  }
+  const std::string_view whole(name);
+  return WideFromUtf8(whole.substr(0, whole.find('.')));
+}
+
+std::string ReadDescription(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  if (!file || std::filesystem::is_directory(path)) {
+    Refuse("host.json: cannot be read");
+  }
+  return text;
+}
+
+std::shared_ptr<Host> HostOfDirectory(const std::filesystem::path& directory) {
+  const std::filesystem::path description = directory / "host.json";
+  if (!std::filesystem::exists(description)) {
+    return MakeBareHost(RealComputerName());
+  }
+  try {
+    return ReadHost(ReadDescription(description), (directory / "host.state.jsonl").string());
+  } catch (const StateError& error) {
+    Refuse(error.what());
+  } catch (const std::exception& error) {
+    Refuse(std::string("host.json: ") + error.what());
+  }
+}
+
+/// The audit's file; never destroyed, as it is written at the very end.
+std::string& AuditPath() {
+  static std::string& path = *new std::string;
+  return path;
+}
+
+void WriteAudit() {
+  try {
+    std::ofstream file(AuditPath(), std::ios::app | std::ios::binary);
+    file << AuditReport().Write() << '\n';
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "host.audit: %s\n", error.what());
+  }
+}
+
+void PrepareAudit(const std::filesystem::path& directory) {
+  const std::filesystem::path path = directory / "host.audit";
+  if (std::filesystem::exists(path) && AuditPath().empty()) {
+    AuditPath() = path.string();
+    std::atexit(WriteAudit);
+  }
+}
+
+} // namespace
+
+std::unique_ptr<platform::Machine> MakeSimulatedMachine(std::shared_ptr<Host> host) {
+  return std::make_unique<SimulatedMachine>(std::move(host));
+}
+
+} // namespace simhost
+
+std::unique_ptr<platform::Machine> platform::MakeMachine() {
+  try {
+    const std::filesystem::path directory = ExecutableDirectory();
+    std::unique_ptr<Machine> machine = simhost::MakeSimulatedMachine(simhost::HostOfDirectory(directory));
+    simhost::PrepareAudit(directory);
+    return machine;
+  } catch (const std::exception& error) {
+    simhost::Refuse(error.what());
+  }
+}
