@@ -14,8 +14,8 @@ inline constexpr UINT CP_ACP = 0;
 int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR text, int bytes, LPWSTR wide, int wideCount);
 
 /// UTF-16 units to the ANSI code page (1252); a unit without a byte becomes '?' (or `*defaultChar`) and sets
-/// `*usedDefault`. `wideCount` -1 takes the text with its terminator; `bytes` 0 only measures; results as
-/// MultiByteToWideChar's.
+/// `*usedDefault`, where Windows may find a similar character instead. `wideCount` -1 takes the text with its
+/// terminator; `bytes` 0 only measures; results as MultiByteToWideChar's.
 int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR wide, int wideCount, LPSTR text, int bytes,
                         LPCSTR defaultChar, BOOL* usedDefault);
 #endif
