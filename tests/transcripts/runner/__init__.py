@@ -1,0 +1,1 @@
+"""Replays transcripts: command lines with everything that they print and leave behind."""
