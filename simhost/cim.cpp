@@ -137,12 +137,12 @@ bool CimClass::IsA(std::wstring_view className) const {
                      [&](const std::wstring& ancestor) { return EqualNames(ancestor, className); });
 }
 
-std::optional<std::size_t> CimClass::PropertyIndex(std::wstring_view property) const {
-  return IndexOf(properties, property);
+std::optional<std::size_t> CimClass::PropertyIndex(std::wstring_view propertyName) const {
+  return IndexOf(properties, propertyName);
 }
 
-const MethodDefinition* CimClass::FindMethod(std::wstring_view method) const {
-  const std::optional<std::size_t> index = IndexOf(methods, method);
+const MethodDefinition* CimClass::FindMethod(std::wstring_view methodName) const {
+  const std::optional<std::size_t> index = IndexOf(methods, methodName);
   return index ? &methods[*index] : nullptr;
 }
 

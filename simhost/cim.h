@@ -121,8 +121,8 @@ public:
   /// Whether this is the class of that name or derived from it.
   bool IsA(std::wstring_view className) const;
   /// The position of the property (or method) of that name; none when there is none.
-  std::optional<std::size_t> PropertyIndex(std::wstring_view property) const;
-  const MethodDefinition* FindMethod(std::wstring_view method) const;
+  std::optional<std::size_t> PropertyIndex(std::wstring_view propertyName) const;
+  const MethodDefinition* FindMethod(std::wstring_view methodName) const;
 };
 
 /// Whether a value may stand in a property of that CIM type: of its kind and within its range (null always may).
