@@ -21,6 +21,8 @@ public:
   void cleanUp();
 
 private:
+  void CleanUpArray();
+
   std::uint32_t m_ElementCount = 0;
   std::uint32_t m_NextElement = 0;
   SAFEARRAY* m_SafeArray = nullptr;

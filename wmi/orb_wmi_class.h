@@ -16,13 +16,13 @@ public:
   OrbWmiClass(const OrbWmiClass&) = delete;
   OrbWmiClass& operator=(const OrbWmiClass&) = delete;
 
-  /// Binds the class; without a name only the connection (as a query needs). What an earlier Initialize left is released
-  /// first. 0, 1, 3, 4, 6 or 9.
+  /// Binds the class; without a name only the connection (as a query needs). What an earlier Initialize left is
+  /// released first. 0, 1, 3, 4, 6 or 9.
   wmiReturn Initialize(OrbWmiConnection& connection, const wchar_t* className);
   /// The class definition, borrowed; none before Initialize.
   IWbemClassObject* GetInstanceClass() const { return m_ClassObject; }
-  /// A clone of the instance enumerator that the caller owns (isClonedOut 1), or the shared result enumerator of a query
-  /// (isClonedOut 0); none on failure.
+  /// A clone of the instance enumerator that the caller owns (isClonedOut 1), or the shared result enumerator of a
+  /// query (isClonedOut 0); none on failure.
   IEnumWbemClassObject* GetInstanceEnumerator(std::uint8_t& isClonedOut);
   /// The connection's services, borrowed; none without a connection.
   IWbemServices* GetServices() const;
@@ -30,8 +30,9 @@ public:
   void setQueryInstance(IEnumWbemClassObject* enumerator);
   std::uint8_t IsQueryInstance() const { return m_QueryInstance; }
 
-  /// Iterate the class's method or property names into `buffer` of `length` bytes, in the ANSI code page: 0 with a name, 2 at
-  /// the end, 1, 4 or 5. A name that does not fit is cut to length - 1 bytes. The reset delivers the first name.
+  /// Iterate the class's method or property names into `buffer` of `length` bytes, in the ANSI code page: 0 with a
+  /// name, 2 at the end, 1, 4 or 5. A name that does not fit is cut to length - 1 bytes. The reset delivers the first
+  /// name.
   wmiReturn ResetMethodName(char* buffer, std::uint32_t length);
   wmiReturn NextMethodName(char* buffer, std::uint32_t length);
   wmiReturn ResetPropertyName(char* buffer, std::uint32_t length);
@@ -44,6 +45,9 @@ public:
   void cleanUp();
 
 private:
+  void ReleaseClass();
+  wmiReturn SecureInstances(IWbemServices* services);
+
   OrbWmiConnection* m_Connection = nullptr;
   IWbemClassObject* m_ClassObject = nullptr;
   IEnumWbemClassObject* m_InstanceEnumerator = nullptr;

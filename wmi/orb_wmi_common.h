@@ -15,10 +15,13 @@ public:
   /// Sets the process-wide COM security; 0 (also when it was set before) or 1.
   static wmiReturn InitializeSecurity();
 
-  /// Writes the caller's value into `target` by CIM type; 0, 1 or 4, with `target` unchanged on failure. What `target` held
-  /// is overwritten, not released: callers pass an empty VARIANT, or one whose contents they own elsewhere.
+  /// Writes the caller's value into `target` by CIM type; 0, 1 (also without a value) or 4, with `target` unchanged on
+  /// failure. What `target` held is overwritten, not released. An object's reference and an array pass to the target
+  /// without being copied.
   static wmiReturn SetVariantType(VARIANT& target, const void* value, std::uint32_t length, std::uint32_t cimType);
-  /// Reads `source` into `buffer` of `length` bytes by its VARTYPE (and, for texts, `cimType`); 0, 1 or 4.
+  /// Reads `source` into `buffer` of `length` bytes by its VARTYPE (and, for texts, `cimType`); 0, 1 or 4. Never writes
+  /// beyond `length`: a boolean fills at most its lower bytes of a shorter buffer, and an object is only read into a
+  /// buffer of exactly a VARIANT's size, which must hold an initialised VARIANT.
   static wmiReturn GetVariantData(const VARIANT& source, void* buffer, std::uint32_t length, std::uint32_t cimType);
   /// Sets only the type tag of `target`; 0, or 1 for a CIM type outside the table.
   static wmiReturn SetCimType(VARIANT& target, std::uint32_t cimType);

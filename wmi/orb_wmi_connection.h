@@ -15,7 +15,7 @@ public:
   OrbWmiConnection(const OrbWmiConnection&) = delete;
   OrbWmiConnection& operator=(const OrbWmiConnection&) = delete;
 
-  /// Connects; what an earlier Initialize left is released first. 0, 4, 5 or 6.
+  /// Connects, not secured yet; what an earlier Initialize left is released first. 0, 4, 5 or 6.
   wmiReturn Initialize(const wchar_t* nameSpace);
   /// Sets the security blanket of the services; 0 or 6.
   wmiReturn SetSecurity();
@@ -28,6 +28,10 @@ public:
   void cleanUp();
 
 private:
+  void ReleaseAll();
+  void FreeNamespace();
+  void ReleaseLocator();
+
   BSTR m_Namespace = nullptr;
   IWbemServices* m_Services = nullptr;
   IWbemLocator* m_Locator = nullptr;

@@ -9,8 +9,8 @@
 
 namespace korvex {
 
-/// Walks a class's instances, stands on one embedded object, or steps through an array of embedded objects; reads and writes
-/// the properties of the object it stands on. The class must outlive it.
+/// Walks a class's instances, stands on one embedded object, or steps through an array of embedded objects; reads and
+/// writes the properties of the object it stands on. The class must outlive it.
 class OrbWmiEnumerator {
 public:
   OrbWmiEnumerator() = default;
@@ -18,10 +18,11 @@ public:
   OrbWmiEnumerator(const OrbWmiEnumerator&) = delete;
   OrbWmiEnumerator& operator=(const OrbWmiEnumerator&) = delete;
 
-  /// Walks the class's instances, positioned on the first (none for a class without instances); 0, 1 or 5. What an earlier
-  /// Initialize left is released first.
+  /// Walks the class's instances, positioned on the first (none for a class without instances); 0, 1 or 5. What an
+  /// earlier Initialize left is released first.
   wmiReturn Initialize(OrbWmiClass* elementClass);
-  /// The embedded object that `variant` holds becomes the current instance; 0, 1 or 5. A holder without an object gives 1.
+  /// The embedded object that `variant` holds becomes the current instance; 0, 1 or 5. A holder without an object
+  /// gives 1.
   wmiReturn Initialize(OrbWmiClass* elementClass, OrbWmiVariant* variant);
   /// A new instance of the class becomes the current instance; 0, 1 or 5.
   wmiReturn InitializeInputEnumerator(OrbWmiClass* elementClass);
@@ -42,8 +43,8 @@ public:
                                 OrbWmiEnumerator** enumeratorOut);
   /// Element `index`, counted from 0, becomes the current instance; 0, 1, 2 past the end or 5.
   wmiReturn GetElement(std::int32_t index);
-  /// A new enumerator, which the caller releases with platform::DeleteObject, standing on the embedded object in a property;
-  /// 0, 1, 4 or 5.
+  /// A new enumerator, which the caller releases with platform::DeleteObject, standing on the embedded object in a
+  /// property; 0, 1, 4 or 5.
   wmiReturn InitUnknownEnumerator(const wchar_t* propertyName, OrbWmiEnumerator** enumeratorOut);
   /// Borrows the holder of an array of embedded objects; 0 or 5.
   wmiReturn SetVariant(OrbWmiVariant* variant);
@@ -56,6 +57,8 @@ public:
 protected:
   /// The current instance's address for a call that fills it; what was held is released first.
   IWbemClassObject** PutInstance();
+  /// A new instance of the class's definition becomes the current instance.
+  HRESULT SpawnFrom(IWbemClassObject* definition);
 
   OrbWmiClass* m_Class = nullptr;
   IEnumWbemClassObject* m_ClassObjectEnumerator = nullptr;
@@ -64,6 +67,13 @@ protected:
   OrbWmiVariant* m_ArrayVariant = nullptr;
 
 private:
+  void ReleaseEnumerator();
+  void ReleaseOwnedVariant();
+  /// Takes the IWbemClassObject of an interface as the current instance.
+  HRESULT StandOn(IUnknown* object);
+  wmiReturn FillArrayEnumerator(OrbWmiEnumerator& enumerator, OrbWmiClass* elementClass, const wchar_t* propertyName);
+  wmiReturn FillUnknownEnumerator(OrbWmiEnumerator& enumerator, const wchar_t* propertyName);
+
   /// The holder behind m_ArrayVariant when this enumerator made it (InitArrayEnumerator); owned.
   OrbWmiVariant* m_OwnedVariant = nullptr;
 };

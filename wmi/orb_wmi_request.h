@@ -26,15 +26,17 @@ public:
   /// Adds an argument in the order of the calls; the holder is borrowed until the request has run. 0, 1 or 4.
   wmiReturn AddInputParameter(const wchar_t* name, OrbWmiVariant* value);
   wmiReturn AddOutputParameter(const wchar_t* name, OrbWmiVariant* value);
-  /// Calls the method on the instance that `target` stands on and fills the output holders; 0, 1, 4, 5 or 9 (5 also without
-  /// a target or a current instance).
+  /// Calls the method on the instance that `target` stands on and fills the output holders; 0, 1, 4, 5 or 9 (5 also
+  /// without a target or a current instance).
   wmiReturn ExecMethod(OrbWmiEnumerator* target);
-  /// Runs the query and gives an enumerator on its first result, which the caller releases with platform::DeleteObject before
-  /// this request; 0, 1, 4, 5 or 9.
+  /// Runs the query and gives an enumerator on its first result, which the caller releases with platform::DeleteObject
+  /// before this request; 0, 1, 4, 5 or 9.
   wmiReturn ExecQuery(OrbWmiEnumerator** enumeratorOut);
   void cleanUp();
 
 private:
+  void ForgetText();
+
   wchar_t* m_Text = nullptr;
   OrbWmiClass* m_Class = nullptr;
   std::uint8_t m_OwnsClass = 0;

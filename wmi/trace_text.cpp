@@ -1,0 +1,37 @@
+#include "wmi/trace_text.h"
+
+#include "platform/text.h"
+
+#include <cinttypes>
+#include <climits>
+#include <cstdio>
+#include <cwchar>
+
+namespace korvex {
+
+std::string NarrowText(const wchar_t* text) {
+  const std::size_t length = text == nullptr ? 0 : std::wcslen(text);
+  if (length == 0 || length > INT_MAX) {
+    return {};
+  }
+  const int wideCount = static_cast<int>(length);
+  const int bytes = WideCharToMultiByte(CP_ACP, 0, text, wideCount, nullptr, 0, nullptr, nullptr);
+  if (bytes <= 0) {
+    return {};
+  }
+  std::string narrow(static_cast<std::size_t>(bytes), '\0');
+  WideCharToMultiByte(CP_ACP, 0, text, wideCount, narrow.data(), bytes, nullptr, nullptr);
+  return narrow;
+}
+
+std::string PointerText(const void* pointer) {
+  return PointerText(static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(pointer)));
+}
+
+std::string PointerText(std::uint64_t handle) {
+  char digits[17];
+  std::snprintf(digits, sizeof digits, "%016" PRIX64, handle);
+  return digits;
+}
+
+} // namespace korvex

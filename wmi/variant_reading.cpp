@@ -1,0 +1,149 @@
+#include "platform/allocation.h"
+#include "platform/text.h"
+#include "wmi/category_trace.h"
+#include "wmi/cim_types.h"
+#include "wmi/orb_wmi_common.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace korvex {
+namespace {
+
+constexpr CategoryTrace kTrace{WmiLayerTrace::kCommon};
+
+/// The caller's buffer.
+struct Target {
+  void* buffer;
+  std::uint32_t length;
+
+  bool HasRoomFor(std::uint64_t bytes) const {
+    if (length >= bytes) {
+      return true;
+    }
+    kTrace.Error("InsufficientBufferLength-GetVariantData\n");
+    return false;
+  }
+};
+
+wmiReturn WriteBytes(const Target& target, const void* value, std::uint32_t bytes) {
+  if (!target.HasRoomFor(bytes)) {
+    return kWmiRequestFailed;
+  }
+  std::memcpy(target.buffer, value, bytes);
+  return kWmiSuccess;
+}
+
+/// 32 bits wide, while 2 bytes are the least that a caller must give: a shorter buffer takes the lower bytes.
+wmiReturn ReadBoolean(const VARIANT& source, const Target& target) {
+  if (!target.HasRoomFor(2)) {
+    return kWmiRequestFailed;
+  }
+  const std::uint32_t value = source.boolVal == VARIANT_TRUE ? 1 : 0;
+  std::memcpy(target.buffer, &value, std::min<std::size_t>(sizeof value, target.length));
+  return kWmiSuccess;
+}
+
+wmiReturn ReadString(const wchar_t* text, const Target& target) {
+  const std::size_t narrowLength = platform::DefaultLocaleWcstombs(nullptr, text, 0);
+  if (narrowLength == static_cast<std::size_t>(-1)) {
+    kTrace.Error("WMIRequestFailed(wcstombs).\n");
+    return kWmiRequestFailed;
+  }
+  const std::size_t size = narrowLength + 1;
+  if (!target.HasRoomFor(size)) {
+    return kWmiRequestFailed;
+  }
+  auto* narrow = static_cast<char*>(platform::AllocateStore("GetVariantData", size + 1));
+  if (narrow == nullptr) {
+    kTrace.Error("MemoryAllocationFailed(malloc)-GetVariantData\n");
+    return kWmiOutOfMemory;
+  }
+  platform::DefaultLocaleWcstombs(narrow, text, size);
+  std::memcpy(target.buffer, narrow, size);
+  platform::FreeStore(narrow);
+  return kWmiSuccess;
+}
+
+wmiReturn ReadText(const VARIANT& source, const Target& target, std::uint32_t cimType) {
+  const wchar_t* text = source.bstrVal == nullptr ? L"" : source.bstrVal;
+  if (cimType == CIM_STRING) {
+    return ReadString(text, target);
+  }
+  if (cimType == CIM_UINT64) {
+    const std::int64_t number = OrbWmiCommon::WideToInt64(text);
+    return WriteBytes(target, &number, sizeof number);
+  }
+  return kWmiSuccess;
+}
+
+/// Only into a buffer of exactly a VARIANT's size, so that an object where a plain value was expected is refused.
+wmiReturn ReadObject(const VARIANT& source, const Target& target) {
+  if (target.length != sizeof(VARIANT)) {
+    kTrace.Error("InsufficientBufferLength-GetVariantData\n");
+    return kWmiRequestFailed;
+  }
+  const HRESULT result = VariantCopy(static_cast<VARIANT*>(target.buffer), const_cast<VARIANT*>(&source));
+  if (FAILED(result)) {
+    kTrace.Error("WMIRequestFailed(VariantCopy).  Error 0x%x\n", Hex(result));
+    return kWmiRequestFailed;
+  }
+  return kWmiSuccess;
+}
+
+wmiReturn ReadByteArray(SAFEARRAY* array, const Target& target) {
+  LONG lower = 0;
+  HRESULT result = SafeArrayGetLBound(array, 1, &lower);
+  if (FAILED(result)) {
+    kTrace.Error("WMIRequestFailed(SafeArrayGetLBound).  Error 0x%x\n", Hex(result));
+    return kWmiRequestFailed;
+  }
+  LONG upper = 0;
+  result = SafeArrayGetUBound(array, 1, &upper);
+  if (FAILED(result)) {
+    kTrace.Error("WMIRequestFailed(SafeArrayGetUBound).  Error 0x%x\n", Hex(result));
+    return kWmiRequestFailed;
+  }
+  const std::int64_t count = std::int64_t{upper} - lower + 1;
+  if (count < 0 || !target.HasRoomFor(static_cast<std::uint64_t>(count))) {
+    return kWmiRequestFailed;
+  }
+  void* data = nullptr;
+  result = SafeArrayAccessData(array, &data);
+  if (FAILED(result)) {
+    kTrace.Error("WMIRequestFailed(SafeArrayAccessData).  Error 0x%x\n", Hex(result));
+    return kWmiRequestFailed;
+  }
+  if (count != 0) {
+    std::memcpy(target.buffer, data, static_cast<std::size_t>(count));
+  }
+  SafeArrayUnaccessData(array);
+  return kWmiSuccess;
+}
+
+} // namespace
+
+wmiReturn OrbWmiCommon::GetVariantData(const VARIANT& source, void* buffer, std::uint32_t length,
+                                       std::uint32_t cimType) {
+  kTrace.Detail("GetVariantType(0x%x);cimType(0x%x)\n", source.vt, static_cast<unsigned>(cimType));
+  const Target target{buffer, length};
+  switch (source.vt) {
+  case VT_I4:
+    return WriteBytes(target, &source.lVal, sizeof source.lVal);
+  case VT_UI1:
+    return WriteBytes(target, &source.bVal, sizeof source.bVal);
+  case VT_BOOL:
+    return ReadBoolean(source, target);
+  case VT_BSTR:
+    return ReadText(source, target, cimType);
+  case VT_UNKNOWN:
+    return ReadObject(source, target);
+  case kVtByteArray:
+    return ReadByteArray(source.parray, target);
+  default:
+    kTrace.Error("GetVariantDataError(UnsupportedVariantType)\n");
+    return kWmiRequestFailed;
+  }
+}
+
+} // namespace korvex
