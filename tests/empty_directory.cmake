@@ -1,0 +1,3 @@
+# Empties a directory, given as -DDIRECTORY=.
+file(REMOVE_RECURSE "${DIRECTORY}")
+file(MAKE_DIRECTORY "${DIRECTORY}")
