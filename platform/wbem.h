@@ -6,6 +6,34 @@
 
 #ifdef _WIN32
 #include <wbemcli.h>
+
+// There the codes and flags are unsigned enumerators of several types; used as what they are passed as, they compare,
+// switch and combine as they do elsewhere.
+#define WBEM_INFINITE (static_cast<LONG>(WBEM_INFINITE))
+#define WBEM_FLAG_SHALLOW (static_cast<LONG>(WBEM_FLAG_SHALLOW))
+#define WBEM_FLAG_FORWARD_ONLY (static_cast<LONG>(WBEM_FLAG_FORWARD_ONLY))
+#define WBEM_S_NO_ERROR (static_cast<HRESULT>(WBEM_S_NO_ERROR))
+#define WBEM_S_FALSE (static_cast<HRESULT>(WBEM_S_FALSE))
+#define WBEM_S_NO_MORE_DATA (static_cast<HRESULT>(WBEM_S_NO_MORE_DATA))
+#define WBEM_E_FAILED (static_cast<HRESULT>(WBEM_E_FAILED))
+#define WBEM_E_NOT_FOUND (static_cast<HRESULT>(WBEM_E_NOT_FOUND))
+#define WBEM_E_ACCESS_DENIED (static_cast<HRESULT>(WBEM_E_ACCESS_DENIED))
+#define WBEM_E_PROVIDER_FAILURE (static_cast<HRESULT>(WBEM_E_PROVIDER_FAILURE))
+#define WBEM_E_TYPE_MISMATCH (static_cast<HRESULT>(WBEM_E_TYPE_MISMATCH))
+#define WBEM_E_OUT_OF_MEMORY (static_cast<HRESULT>(WBEM_E_OUT_OF_MEMORY))
+#define WBEM_E_INVALID_PARAMETER (static_cast<HRESULT>(WBEM_E_INVALID_PARAMETER))
+#define WBEM_E_NOT_SUPPORTED (static_cast<HRESULT>(WBEM_E_NOT_SUPPORTED))
+#define WBEM_E_INVALID_NAMESPACE (static_cast<HRESULT>(WBEM_E_INVALID_NAMESPACE))
+#define WBEM_E_INVALID_OBJECT (static_cast<HRESULT>(WBEM_E_INVALID_OBJECT))
+#define WBEM_E_INVALID_CLASS (static_cast<HRESULT>(WBEM_E_INVALID_CLASS))
+#define WBEM_E_TRANSPORT_FAILURE (static_cast<HRESULT>(WBEM_E_TRANSPORT_FAILURE))
+#define WBEM_E_INVALID_OPERATION (static_cast<HRESULT>(WBEM_E_INVALID_OPERATION))
+#define WBEM_E_INVALID_QUERY (static_cast<HRESULT>(WBEM_E_INVALID_QUERY))
+#define WBEM_E_INVALID_QUERY_TYPE (static_cast<HRESULT>(WBEM_E_INVALID_QUERY_TYPE))
+#define WBEM_E_UNEXPECTED (static_cast<HRESULT>(WBEM_E_UNEXPECTED))
+#define WBEM_E_INVALID_OBJECT_PATH (static_cast<HRESULT>(WBEM_E_INVALID_OBJECT_PATH))
+#define WBEM_E_INVALID_METHOD (static_cast<HRESULT>(WBEM_E_INVALID_METHOD))
+#define WBEM_E_INVALID_METHOD_PARAMETERS (static_cast<HRESULT>(WBEM_E_INVALID_METHOD_PARAMETERS))
 #else
 
 using CIMTYPE = LONG;
