@@ -12,7 +12,7 @@ constexpr CategoryTrace kTrace{WmiLayerTrace::kRequest};
 using ObjectPtr = platform::ComPtr<IWbemClassObject>;
 
 wmiReturn StatusOf(HRESULT result) {
-  return result == WBEM_E_ACCESS_DENIED ? kWmiAccessDenied : kWmiRequestFailed;
+  return result == platform::WbemResult(WBEM_E_ACCESS_DENIED) ? kWmiAccessDenied : kWmiRequestFailed;
 }
 
 /// The objects of one call; released together at its end.

@@ -36,7 +36,7 @@ wmiReturn OrbWmiRequest::ExecQuery(OrbWmiEnumerator** enumeratorOut) {
       services->ExecQuery(language.get(), query.get(), WBEM_FLAG_FORWARD_ONLY, nullptr, results.put());
   if (FAILED(result) || !results) {
     kTrace.Error("WmiRequestFailed(ExecQuery).  Error 0x%x\n", Hex(result));
-    return result == WBEM_E_ACCESS_DENIED ? kWmiAccessDenied : kWmiRequestFailed;
+    return result == platform::WbemResult(WBEM_E_ACCESS_DENIED) ? kWmiAccessDenied : kWmiRequestFailed;
   }
   auto* enumerator = platform::NewObject<OrbWmiEnumerator>("OrbWmiEnumerator");
   if (enumerator == nullptr) {

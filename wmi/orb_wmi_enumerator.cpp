@@ -86,9 +86,9 @@ wmiReturn OrbWmiEnumerator::Next() {
     return kWmiNotDefined;
   }
   ULONG returned = 0;
-  const HRESULT result = m_ClassObjectEnumerator->Next(WBEM_INFINITE, 1, PutInstance(), &returned);
+  const HRESULT result = m_ClassObjectEnumerator->Next(static_cast<LONG>(WBEM_INFINITE), 1, PutInstance(), &returned);
   kTrace.Detail("Next m_ClassObjectInstance %s\n", PointerText(m_ClassObjectInstance).c_str());
-  if (result == WBEM_S_FALSE) {
+  if (result == platform::WbemResult(WBEM_S_FALSE)) {
     PutInstance();
     return kWmiNoMoreData;
   }
