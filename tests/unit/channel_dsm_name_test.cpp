@@ -1,5 +1,6 @@
 #include "app/channel/channel.h"
 #include "app/channel/dsm_name.h"
+#include "app/cli/console/bounded_text.h"
 #include "app/cli/console/run_state.h"
 
 #include <cstring>
@@ -37,7 +38,7 @@ protected:
   }
   static void NameOnCommandLine(const char* name) {
     gCommandLineDsm.isSet = true;
-    std::strncpy(gCommandLineDsm.name, name, sizeof gCommandLineDsm.name - 1);
+    BoundedCopy(gCommandLineDsm.name, sizeof(gCommandLineDsm.name), name);
   }
 
 private:
