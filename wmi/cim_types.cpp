@@ -17,12 +17,9 @@ constexpr CimTypeRow kCimTypes[] = {
     {CIM_OBJECT, VT_UNKNOWN}, {CIM_UINT8, VT_UI1},      {kCimObjectArray, kVtObjectArray},
 };
 
-enum class ValueKind { kNothing, kNumber, kText, kObject, kArray };
+enum class ValueKind { kNothing, kNumber, kText, kObject, kOther };
 
 ValueKind KindOf(VARTYPE vartype) {
-  if ((vartype & VT_ARRAY) != 0) {
-    return ValueKind::kArray;
-  }
   switch (vartype) {
   case VT_EMPTY:
   case VT_NULL:
@@ -32,8 +29,18 @@ ValueKind KindOf(VARTYPE vartype) {
   case VT_UNKNOWN:
   case VT_DISPATCH:
     return ValueKind::kObject;
-  default:
+  case VT_I1:
+  case VT_I2:
+  case VT_I4:
+  case VT_UI1:
+  case VT_UI2:
+  case VT_UI4:
+  case VT_R4:
+  case VT_R8:
+  case VT_BOOL:
     return ValueKind::kNumber;
+  default:
+    return ValueKind::kOther;
   }
 }
 
@@ -49,7 +56,18 @@ std::optional<VARTYPE> VartypeOfCimType(std::uint32_t cimType) {
 }
 
 bool AreOfOneKind(VARTYPE left, VARTYPE right) {
-  return KindOf(left) == KindOf(right);
+  const ValueKind kind = KindOf(left);
+  return kind == ValueKind::kOther ? left == right : kind == KindOf(right);
+}
+
+bool IsArrayOf(SAFEARRAY* array, VARTYPE elementType, std::int64_t count) {
+  const ULONG elementBytes = elementType == VT_UI1 ? 1 : sizeof(void*);
+  if (array->cDims != 1 || array->cbElements != elementBytes || count < 0 ||
+      count > std::int64_t{array->rgsabound[0].cElements}) {
+    return false;
+  }
+  VARTYPE told = VT_EMPTY;
+  return FAILED(SafeArrayGetVartype(array, &told)) || AreOfOneKind(told, elementType);
 }
 
 } // namespace korvex

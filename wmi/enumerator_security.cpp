@@ -7,7 +7,6 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cwchar>
-#include <cwctype>
 
 namespace korvex {
 namespace {
@@ -113,7 +112,7 @@ HRESULT getAuth(IWbemServices* services, DWORD* authnLevelOut, DWORD* impLevelOu
     return platform::WbemResult(WBEM_E_INVALID_PARAMETER);
   }
   platform::ComPtr<IClientSecurity> security;
-  HRESULT result = services->QueryInterface(IID_IClientSecurity, security.putVoid());
+  const HRESULT result = services->QueryInterface(IID_IClientSecurity, security.putVoid());
   if (FAILED(result)) {
     return result;
   }
@@ -123,9 +122,8 @@ HRESULT getAuth(IWbemServices* services, DWORD* authnLevelOut, DWORD* impLevelOu
   DWORD authnService = 0;
   DWORD authzService = 0;
   DWORD capabilities = 0;
-  result = security->QueryBlanket(services, &authnService, &authzService, nullptr, authnLevelOut, impLevelOut, nullptr,
-                                  &capabilities);
-  return result;
+  return security->QueryBlanket(services, &authnService, &authzService, nullptr, authnLevelOut, impLevelOut, nullptr,
+                                &capabilities);
 }
 
 HRESULT setInterfaceSec(IUnknown* proxy, const wchar_t* authority, const wchar_t* user, const wchar_t* password,

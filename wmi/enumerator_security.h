@@ -18,7 +18,8 @@ HRESULT getAuth(IWbemServices* services, DWORD* authnLevelOut, DWORD* impLevelOu
 HRESULT setInterfaceSec(IUnknown* proxy, const wchar_t* authority, const wchar_t* user, const wchar_t* password,
                         DWORD authnLevel, DWORD impLevel);
 
-/// Splits credentials into domain and user: BSTRs that the caller frees, none where a part is absent.
+/// Splits credentials into domain and user: BSTRs that the caller frees, none where a part is absent. A domain of more
+/// than 259 characters before the backslash gives E_INVALIDARG without a message.
 HRESULT parseAuthority(const wchar_t* authority, const wchar_t* user, BSTR* domainOut, BSTR* userOut);
 
 } // namespace korvex

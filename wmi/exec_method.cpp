@@ -1,4 +1,5 @@
 #include "platform/com_owners.h"
+#include "wmi/call_status.h"
 #include "wmi/category_trace.h"
 #include "wmi/orb_wmi_request.h"
 
@@ -10,10 +11,6 @@ namespace {
 constexpr CategoryTrace kTrace{WmiLayerTrace::kRequest};
 
 using ObjectPtr = platform::ComPtr<IWbemClassObject>;
-
-wmiReturn StatusOf(HRESULT result) {
-  return result == platform::WbemResult(WBEM_E_ACCESS_DENIED) ? kWmiAccessDenied : kWmiRequestFailed;
-}
 
 /// The objects of one call; released together at its end.
 struct MethodCall {
@@ -30,20 +27,20 @@ wmiReturn PrepareParameters(MethodCall& call, IWbemClassObject* definition) {
   HRESULT result = definition->GetMethod(call.methodName.get(), 0, call.inSignature.put(), call.outSignature.put());
   if (FAILED(result)) {
     kTrace.Error("WMIRequestFailed(GetMethod).  Error 0x%x\n", Hex(result));
-    return StatusOf(result);
+    return StatusOfFailure(result);
   }
   if (call.inSignature) {
     result = call.inSignature->SpawnInstance(0, call.inParameters.put());
-    if (FAILED(result)) {
+    if (FAILED(result) || !call.inParameters) {
       kTrace.Error("WMIRequestFailed(SpawnInstance)-InputMethod.  Error 0x%x\n", Hex(result));
-      return StatusOf(result);
+      return StatusOfFailure(result);
     }
   }
   if (call.outSignature) {
     result = call.outSignature->SpawnInstance(0, call.outParameters.put());
-    if (FAILED(result)) {
+    if (FAILED(result) || !call.outParameters) {
       kTrace.Error("WMIRequestFailed(SpawnInstance)-OutputMethod.  Error 0x%x\n", Hex(result));
-      return StatusOf(result);
+      return StatusOfFailure(result);
     }
   }
   return kWmiSuccess;
@@ -64,7 +61,7 @@ wmiReturn PutInputs(MethodCall& call, const std::vector<OrbRequestParameter*>& p
     const HRESULT result = call.inParameters->Put(name.get(), 0, &parameter->GetValue()->GetVariant(), 0);
     if (FAILED(result)) {
       kTrace.Error("WMIRequestFailed(Put).  Error 0x%x\n", Hex(result));
-      return StatusOf(result);
+      return StatusOfFailure(result);
     }
   }
   return kWmiSuccess;
@@ -75,7 +72,7 @@ wmiReturn Execute(MethodCall& call, IWbemClassObject* instance) {
   HRESULT result = instance->Get(L"__RELPATH", 0, path.put(), nullptr, nullptr);
   if (FAILED(result)) {
     kTrace.Error("WMIRequestFailed(Get)-EnumeratorInstance.  Error 0x%x\n", Hex(result));
-    return StatusOf(result);
+    return StatusOfFailure(result);
   }
   kTrace.Detail("ExecMethod()\n");
   BSTR pathText = path.get().vt == VT_BSTR ? path.get().bstrVal : nullptr;
@@ -83,7 +80,7 @@ wmiReturn Execute(MethodCall& call, IWbemClassObject* instance) {
                                      call.outParameters.put(), nullptr);
   if (FAILED(result)) {
     kTrace.Error("WMIRequestFailed(ExecMethod).  Error 0x%x\n", Hex(result));
-    return StatusOf(result);
+    return StatusOfFailure(result);
   }
   return kWmiSuccess;
 }
@@ -107,7 +104,7 @@ wmiReturn GetOutputs(MethodCall& call, const std::vector<OrbRequestParameter*>& 
     if (FAILED(result)) {
       VariantClear(&value);
       kTrace.Error("WmiRequestFailed(Get)-OutputParams.  Error 0x%x\n", Hex(result));
-      return StatusOf(result);
+      return StatusOfFailure(result);
     }
     parameter->GetValue()->Clear();
     parameter->GetValue()->GetVariant() = value;

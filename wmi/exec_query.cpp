@@ -1,5 +1,6 @@
 #include "platform/allocation.h"
 #include "platform/com_owners.h"
+#include "wmi/call_status.h"
 #include "wmi/category_trace.h"
 #include "wmi/orb_wmi_request.h"
 
@@ -36,9 +37,9 @@ wmiReturn OrbWmiRequest::ExecQuery(OrbWmiEnumerator** enumeratorOut) {
       services->ExecQuery(language.get(), query.get(), WBEM_FLAG_FORWARD_ONLY, nullptr, results.put());
   if (FAILED(result) || !results) {
     kTrace.Error("WmiRequestFailed(ExecQuery).  Error 0x%x\n", Hex(result));
-    return result == platform::WbemResult(WBEM_E_ACCESS_DENIED) ? kWmiAccessDenied : kWmiRequestFailed;
+    return StatusOfFailure(result);
   }
-  auto* enumerator = platform::NewObject<OrbWmiEnumerator>("OrbWmiEnumerator");
+  StorePtr<OrbWmiEnumerator> enumerator(platform::NewObject<OrbWmiEnumerator>("OrbWmiEnumerator"));
   if (enumerator == nullptr) {
     kTrace.Error("MemoryAllocationFailed(OrbWmiEnumerator)-ExecQuery\n");
     return kWmiOutOfMemory;
@@ -47,11 +48,11 @@ wmiReturn OrbWmiRequest::ExecQuery(OrbWmiEnumerator** enumeratorOut) {
   m_Class->setQueryInstance(results.detach());
   const wmiReturn status = enumerator->Initialize(m_Class);
   if (status != kWmiSuccess) {
-    platform::DeleteObject(enumerator);
+    enumerator.reset();
     kTrace.Error("InitializationFailed(OrbWmiEnumerator)-ExecQuery\n");
     return status;
   }
-  *enumeratorOut = enumerator;
+  *enumeratorOut = enumerator.release();
   return kWmiSuccess;
 }
 

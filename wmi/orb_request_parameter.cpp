@@ -1,5 +1,6 @@
 #include "wmi/orb_request_parameter.h"
 
+#include "platform/allocation.h"
 #include "wmi/category_trace.h"
 #include "wmi/text_copy.h"
 
@@ -18,15 +19,25 @@ OrbRequestParameter::~OrbRequestParameter() {
 
 wmiReturn OrbRequestParameter::RequestParamInitialize(const wchar_t* name, OrbWmiVariant* value) {
   kTrace.Detail("RequestParam(Arg-'%s';Param-0x%s)\n", NarrowText(name).c_str(), PointerText(value).c_str());
-  const std::size_t length = MeasureWideText(name);
-  if (length > kMaxTextLength) {
-    kTrace.Error("WMIRequestFailed(StringCchLength).  Error 0x%x\n", Hex(E_INVALIDARG));
+  if (value == nullptr) {
     return kWmiRequestFailed;
   }
-  wchar_t* copy = CopyWideText("RequestParamInitialize", name, length);
+  std::size_t length = 0;
+  HRESULT result = MeasureWideText(name, length);
+  if (FAILED(result)) {
+    kTrace.Error("WMIRequestFailed(StringCchLength).  Error 0x%x\n", Hex(result));
+    return kWmiRequestFailed;
+  }
+  wchar_t* copy = AllocateWideText("RequestParamInitialize", length);
   if (copy == nullptr) {
     kTrace.Error("MemoryAllocationFailed(malloc)-RequestParamInitialize\n");
     return kWmiOutOfMemory;
+  }
+  result = CopyWideText(copy, length + 1, name);
+  if (FAILED(result)) {
+    kTrace.Error("WMIRequestFailed(StringCchCopy).  Error 0x%x\n", Hex(result));
+    platform::FreeStore(copy);
+    return kWmiRequestFailed;
   }
   platform::FreeStore(std::exchange(m_Name, copy));
   m_Value = value;

@@ -13,7 +13,7 @@ public:
   OrbRequestParameter(const OrbRequestParameter&) = delete;
   OrbRequestParameter& operator=(const OrbRequestParameter&) = delete;
 
-  /// Copies the name; borrows the holder. 0, 1 or 4.
+  /// Copies the name; borrows the holder. 0, 1 (also without a name or a holder) or 4.
   wmiReturn RequestParamInitialize(const wchar_t* name, OrbWmiVariant* value);
   const wchar_t* GetName() const { return m_Name; }
   OrbWmiVariant* GetValue() const { return m_Value; }

@@ -1,6 +1,8 @@
 #include "wmi/orb_wmi_class.h"
 
+#include "platform/allocation.h"
 #include "platform/com_owners.h"
+#include "wmi/call_status.h"
 #include "wmi/category_trace.h"
 #include "wmi/enumerator_security.h"
 #include "wmi/text_copy.h"
@@ -12,8 +14,17 @@ namespace {
 
 constexpr CategoryTrace kTrace{WmiLayerTrace::kClass};
 
-wmiReturn AccessDeniedOrFailed(HRESULT result) {
-  return result == platform::WbemResult(WBEM_E_ACCESS_DENIED) ? kWmiAccessDenied : kWmiRequestFailed;
+/// A copy of a credential, which may be none.
+bool CopyCredential(const wchar_t* text, wchar_t*& copy) {
+  if (text == nullptr) {
+    return true;
+  }
+  std::size_t length = 0;
+  if (FAILED(MeasureWideText(text, length))) {
+    return false;
+  }
+  copy = AllocateWideText("OrbWmiClass credentials", length);
+  return copy != nullptr && SUCCEEDED(CopyWideText(copy, length + 1, text));
 }
 
 } // namespace
@@ -45,12 +56,12 @@ wmiReturn OrbWmiClass::Initialize(OrbWmiConnection& connection, const wchar_t* c
   HRESULT result = services->GetObject(name.get(), 0, nullptr, &m_ClassObject, nullptr);
   if (FAILED(result) || m_ClassObject == nullptr) {
     kTrace.Error("WMIRequestFailed(GetObject).  Error 0x%x\n", Hex(result));
-    return result == platform::WbemResult(WBEM_E_NOT_FOUND) ? kWmiClassNotFound : AccessDeniedOrFailed(result);
+    return result == platform::WbemResult(WBEM_E_NOT_FOUND) ? kWmiClassNotFound : StatusOfFailure(result);
   }
   result = services->CreateInstanceEnum(name.get(), WBEM_FLAG_SHALLOW, nullptr, &m_InstanceEnumerator);
   if (FAILED(result) || m_InstanceEnumerator == nullptr) {
     kTrace.Error("WMIRequestFailed(CreateInstanceEnum).  Error 0x%x\n", Hex(result));
-    return AccessDeniedOrFailed(result);
+    return StatusOfFailure(result);
   }
   return SecureInstances(services);
 }
@@ -63,7 +74,7 @@ wmiReturn OrbWmiClass::SecureInstances(IWbemServices* services) {
       SetEnumeratorSecurity(services, m_InstanceEnumerator, m_Authority, m_User, m_Password, m_AuthnLevel, m_ImpLevel);
   if (FAILED(result)) {
     kTrace.Error("AuthorizationFailed.  Error 0x%x\n", Hex(result));
-    return AccessDeniedOrFailed(result);
+    return StatusOfFailure(result);
   }
   return kWmiSuccess;
 }
@@ -98,23 +109,19 @@ void OrbWmiClass::setQueryInstance(IEnumWbemClassObject* enumerator) {
 
 wmiReturn OrbWmiClass::SetCredentials(const wchar_t* authority, const wchar_t* user, const wchar_t* password,
                                       DWORD authnLevel, DWORD impLevel) {
-  const wchar_t* texts[] = {authority, user, password};
-  wchar_t* copies[] = {nullptr, nullptr, nullptr};
-  for (std::size_t index = 0; index < 3; ++index) {
-    if (texts[index] == nullptr) {
-      continue;
-    }
-    copies[index] = CopyWideText("OrbWmiClass credentials", texts[index], std::wcslen(texts[index]));
-    if (copies[index] == nullptr) {
-      for (wchar_t* copy : copies) {
-        platform::FreeStore(copy);
-      }
-      return kWmiOutOfMemory;
-    }
+  wchar_t* newAuthority = nullptr;
+  wchar_t* newUser = nullptr;
+  wchar_t* newPassword = nullptr;
+  if (!CopyCredential(authority, newAuthority) || !CopyCredential(user, newUser) ||
+      !CopyCredential(password, newPassword)) {
+    platform::FreeStore(newAuthority);
+    platform::FreeStore(newUser);
+    platform::FreeStore(newPassword);
+    return kWmiOutOfMemory;
   }
-  platform::FreeStore(std::exchange(m_Authority, copies[0]));
-  platform::FreeStore(std::exchange(m_User, copies[1]));
-  platform::FreeStore(std::exchange(m_Password, copies[2]));
+  platform::FreeStore(std::exchange(m_Authority, newAuthority));
+  platform::FreeStore(std::exchange(m_User, newUser));
+  platform::FreeStore(std::exchange(m_Password, newPassword));
   m_AuthnLevel = authnLevel;
   m_ImpLevel = impLevel;
   return kWmiSuccess;

@@ -48,8 +48,11 @@ wmiReturn OrbWmiConnection::Initialize(const wchar_t* nameSpace) {
 }
 
 wmiReturn OrbWmiConnection::SetSecurity() {
-  const HRESULT result = CoSetProxyBlanket(m_Services, RPC_C_AUTHN_DEFAULT, RPC_C_AUTHZ_NONE, nullptr,
-                                           RPC_C_AUTHN_LEVEL_DEFAULT, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE);
+  HRESULT result = E_INVALIDARG;
+  if (m_Services != nullptr) {
+    result = CoSetProxyBlanket(m_Services, RPC_C_AUTHN_DEFAULT, RPC_C_AUTHZ_NONE, nullptr, RPC_C_AUTHN_LEVEL_DEFAULT,
+                               RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE);
+  }
   if (FAILED(result)) {
     ReleaseLocator();
     FreeNamespace();

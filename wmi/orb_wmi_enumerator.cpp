@@ -1,9 +1,7 @@
 #include "wmi/orb_wmi_enumerator.h"
 
-#include "platform/allocation.h"
 #include "wmi/category_trace.h"
 
-#include <cstring>
 #include <utility>
 
 namespace korvex {
@@ -15,7 +13,6 @@ constexpr CategoryTrace kTrace{WmiLayerTrace::kEnumerator};
 
 OrbWmiEnumerator::~OrbWmiEnumerator() {
   cleanUp();
-  ReleaseOwnedVariant();
 }
 
 wmiReturn OrbWmiEnumerator::Initialize(OrbWmiClass* elementClass) {
@@ -47,7 +44,7 @@ wmiReturn OrbWmiEnumerator::Initialize(OrbWmiClass* elementClass, OrbWmiVariant*
     return kWmiNotDefined;
   }
   ReleaseEnumerator();
-  ReleaseOwnedVariant();
+  m_OwnedVariant.reset();
   m_Class = elementClass;
   m_ArrayVariant = variant;
   const VARIANT& held = variant->GetVariant();
@@ -64,6 +61,7 @@ wmiReturn OrbWmiEnumerator::InitializeInputEnumerator(OrbWmiClass* elementClass)
     kTrace.Error("ClassNotDefined(Reset)\n");
     return kWmiNotDefined;
   }
+  ReleaseEnumerator();
   m_Class = elementClass;
   IWbemClassObject* definition = elementClass->GetInstanceClass();
   if (definition == nullptr) {
@@ -93,6 +91,7 @@ wmiReturn OrbWmiEnumerator::Next() {
     return kWmiNoMoreData;
   }
   if (result != S_OK || m_ClassObjectInstance == nullptr) {
+    PutInstance();
     kTrace.Error("WMIRequestFailed(Next)-Next.  Error 0x%x\n", Hex(result));
     return kWmiRequestFailed;
   }
@@ -180,10 +179,6 @@ void OrbWmiEnumerator::ReleaseEnumerator() {
     enumerator->Release();
   }
   m_IsCloned = 0;
-}
-
-void OrbWmiEnumerator::ReleaseOwnedVariant() {
-  platform::DeleteObject(std::exchange(m_OwnedVariant, nullptr));
 }
 
 } // namespace korvex

@@ -3,6 +3,7 @@
 #include "platform/wbem.h"
 #include "wmi/orb_wmi_class.h"
 #include "wmi/orb_wmi_variant.h"
+#include "wmi/store_ptr.h"
 #include "wmi/wmi_return.h"
 
 #include <cstdint>
@@ -33,7 +34,8 @@ public:
   wmiReturn Reset();
   /// Reads a property into `buffer` of `length` bytes, zeroed first; 0, 1, 4, 5 or 7.
   wmiReturn GetProperty(const wchar_t* name, void* buffer, std::uint32_t length);
-  /// Writes a property of the current instance; 0, 1, 4 or 5.
+  /// Writes a property of the current instance; 0, 1, 4 or 5. An object's reference passes to this call unless the
+  /// value is refused before it is put.
   wmiReturn SetProperty(const wchar_t* name, const void* value, std::uint32_t length);
   /// Saves the current instance; 0, 1 or 5.
   wmiReturn SaveProperties();
@@ -68,14 +70,14 @@ protected:
 
 private:
   void ReleaseEnumerator();
-  void ReleaseOwnedVariant();
   /// Takes the IWbemClassObject of an interface as the current instance.
   HRESULT StandOn(IUnknown* object);
-  wmiReturn FillArrayEnumerator(OrbWmiEnumerator& enumerator, OrbWmiClass* elementClass, const wchar_t* propertyName);
-  wmiReturn FillUnknownEnumerator(OrbWmiEnumerator& enumerator, const wchar_t* propertyName);
+  wmiReturn FillArrayEnumerator(StorePtr<OrbWmiEnumerator>& enumerator, OrbWmiClass* elementClass,
+                                const wchar_t* propertyName);
+  wmiReturn FillUnknownEnumerator(StorePtr<OrbWmiEnumerator>& enumerator, const wchar_t* propertyName);
 
-  /// The holder behind m_ArrayVariant when this enumerator made it (InitArrayEnumerator); owned.
-  OrbWmiVariant* m_OwnedVariant = nullptr;
+  /// The holder behind m_ArrayVariant when it was made for this enumerator (InitArrayEnumerator).
+  StorePtr<OrbWmiVariant> m_OwnedVariant;
 };
 
 } // namespace korvex

@@ -3,22 +3,14 @@
 #include "wmi/category_trace.h"
 #include "wmi/orb_wmi_enumerator.h"
 
+#include <utility>
+
 // Enumerators over what is embedded in a property of the current instance.
 
 namespace korvex {
 namespace {
 
 constexpr CategoryTrace kTrace{WmiLayerTrace::kEnumerator};
-
-/// Hands the filled enumerator to the caller, or releases it and hands out none.
-wmiReturn GiveEnumerator(wmiReturn status, OrbWmiEnumerator* enumerator, OrbWmiEnumerator** enumeratorOut) {
-  if (status != kWmiSuccess) {
-    platform::DeleteObject(enumerator);
-    enumerator = nullptr;
-  }
-  *enumeratorOut = enumerator;
-  return status;
-}
 
 } // namespace
 
@@ -33,22 +25,22 @@ wmiReturn OrbWmiEnumerator::InitArrayEnumerator(OrbWmiClass* elementClass, const
     kTrace.Error("ClassObjectInstanceNotDefined(OrbWmiEnumerator)-InitArrayEnumerator\n");
     return kWmiNotDefined;
   }
-  auto* enumerator = platform::NewObject<OrbWmiEnumerator>("OrbWmiEnumerator");
+  StorePtr<OrbWmiEnumerator> enumerator(platform::NewObject<OrbWmiEnumerator>("OrbWmiEnumerator"));
   if (enumerator == nullptr) {
     kTrace.Error("MemoryAllocationFailed(OrbWmiEnumerator)-InitArrayEnumerator\n");
     return kWmiOutOfMemory;
   }
-  return GiveEnumerator(FillArrayEnumerator(*enumerator, elementClass, propertyName), enumerator, enumeratorOut);
+  const wmiReturn status = FillArrayEnumerator(enumerator, elementClass, propertyName);
+  if (status == kWmiSuccess) {
+    *enumeratorOut = enumerator.release();
+  }
+  return status;
 }
 
-wmiReturn OrbWmiEnumerator::FillArrayEnumerator(OrbWmiEnumerator& enumerator, OrbWmiClass* elementClass,
+wmiReturn OrbWmiEnumerator::FillArrayEnumerator(StorePtr<OrbWmiEnumerator>& enumerator, OrbWmiClass* elementClass,
                                                 const wchar_t* propertyName) {
-  struct VariantDeleter {
-    platform::Variant* variant;
-    ~VariantDeleter() { platform::DeleteObject(variant); }
-  };
-  const VariantDeleter array{platform::NewObject<platform::Variant>("InitArrayEnumerator")};
-  if (array.variant == nullptr) {
+  const StorePtr<platform::Variant> array(platform::NewObject<platform::Variant>("InitArrayEnumerator"));
+  if (array == nullptr) {
     kTrace.Error("MemoryAllocationFailed(malloc)-InitArrayEnumerator\n");
     return kWmiOutOfMemory;
   }
@@ -58,21 +50,27 @@ wmiReturn OrbWmiEnumerator::FillArrayEnumerator(OrbWmiEnumerator& enumerator, Or
     return kWmiOutOfMemory;
   }
   CIMTYPE cimType = CIM_EMPTY;
-  const HRESULT result = m_ClassObjectInstance->Get(name.get(), 0, array.variant->put(), &cimType, nullptr);
+  const HRESULT result = m_ClassObjectInstance->Get(name.get(), 0, array->put(), &cimType, nullptr);
   if (FAILED(result)) {
+    enumerator.reset();
     kTrace.Error("WMIRequestFailed(Get)-InitArrayEnumerator.  Error 0x%x\n", Hex(result));
     return kWmiRequestFailed;
   }
-  enumerator.m_OwnedVariant = platform::NewObject<OrbWmiVariant>("OrbWmiVariant", OrbWmiVariant::Destruction::kSilent);
-  if (enumerator.m_OwnedVariant == nullptr) {
+  StorePtr<OrbWmiVariant> holder(
+      platform::NewObject<OrbWmiVariant>("OrbWmiVariant", OrbWmiVariant::Destruction::kSilent));
+  if (holder == nullptr) {
     kTrace.Error("MemoryAllocationFailed(OrbWmiVariant)-InitArrayEnumerator\n");
     return kWmiOutOfMemory;
   }
-  kTrace.Detail("OrbVariant(%s);var(%s);varType(0x%x);cimType(0x%x);\n", PointerText(enumerator.m_OwnedVariant).c_str(),
-                PointerText(&array.variant->get()).c_str(), array.variant->get().vt, static_cast<unsigned>(cimType));
-  enumerator.m_OwnedVariant->CopyVariant(array.variant->get());
-  enumerator.Initialize(elementClass);
-  enumerator.SetVariant(enumerator.m_OwnedVariant);
+  kTrace.Detail("OrbVariant(%s);var(%s);varType(0x%x);cimType(0x%x);\n", PointerText(holder.get()).c_str(),
+                PointerText(&array->get()).c_str(), array->get().vt, static_cast<unsigned>(cimType));
+  if (holder->CopyVariant(array->get()) != kWmiSuccess) {
+    // A list that could not be copied must not look like one without elements.
+    return kWmiRequestFailed;
+  }
+  enumerator->Initialize(elementClass);
+  enumerator->SetVariant(holder.get());
+  enumerator->m_OwnedVariant = std::move(holder);
   return kWmiSuccess;
 }
 
@@ -86,16 +84,20 @@ wmiReturn OrbWmiEnumerator::InitUnknownEnumerator(const wchar_t* propertyName, O
     kTrace.Error("ClassObjectInstanceNotDefined(OrbWmiEnumerator)-InitUnknownEnumerator\n");
     return kWmiNotDefined;
   }
-  auto* enumerator = platform::NewObject<OrbWmiEnumerator>("OrbWmiEnumerator");
+  StorePtr<OrbWmiEnumerator> enumerator(platform::NewObject<OrbWmiEnumerator>("OrbWmiEnumerator"));
   if (enumerator == nullptr) {
     kTrace.Error("MemoryAllocationFailed(OrbWmiEnumerator)-InitUnknownEnumerator\n");
     return kWmiOutOfMemory;
   }
   enumerator->Initialize(m_Class);
-  return GiveEnumerator(FillUnknownEnumerator(*enumerator, propertyName), enumerator, enumeratorOut);
+  const wmiReturn status = FillUnknownEnumerator(enumerator, propertyName);
+  if (status == kWmiSuccess) {
+    *enumeratorOut = enumerator.release();
+  }
+  return status;
 }
 
-wmiReturn OrbWmiEnumerator::FillUnknownEnumerator(OrbWmiEnumerator& enumerator, const wchar_t* propertyName) {
+wmiReturn OrbWmiEnumerator::FillUnknownEnumerator(StorePtr<OrbWmiEnumerator>& enumerator, const wchar_t* propertyName) {
   platform::Variant value;
   CIMTYPE cimType = CIM_EMPTY;
   HRESULT result = m_ClassObjectInstance->Get(propertyName, 0, value.put(), &cimType, nullptr);
@@ -108,8 +110,9 @@ wmiReturn OrbWmiEnumerator::FillUnknownEnumerator(OrbWmiEnumerator& enumerator, 
                  NarrowText(propertyName).c_str(), static_cast<unsigned>(cimType), value.get().vt, Hex(result));
     return kWmiNotDefined;
   }
-  result = enumerator.StandOn(value.get().punkVal);
+  result = enumerator->StandOn(value.get().punkVal);
   if (FAILED(result)) {
+    enumerator.reset();
     kTrace.Error("WMIRequestFailed(QueryInterface)-InitUnknownEnumerator.  Error 0x%x\n", Hex(result));
     return kWmiRequestFailed;
   }

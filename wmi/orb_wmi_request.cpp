@@ -35,32 +35,48 @@ OrbWmiRequest::~OrbWmiRequest() {
 }
 
 wmiReturn OrbWmiRequest::MethodRequest(const wchar_t* methodName, OrbWmiClass* methodsClass) {
-  const std::size_t length = MeasureWideText(methodName);
-  if (length > kMaxTextLength) {
-    kTrace.Error("WMIRequestFailed(StringCchLength)-MethodRequest.  Error 0x%x\n", Hex(E_INVALIDARG));
+  std::size_t length = 0;
+  HRESULT result = MeasureWideText(methodName, length);
+  if (FAILED(result)) {
+    kTrace.Error("WMIRequestFailed(StringCchLength)-MethodRequest.  Error 0x%x\n", Hex(result));
     return kWmiRequestFailed;
   }
   ForgetText();
-  m_Text = CopyWideText("MethodRequestParamInitialize", methodName, length);
+  ForgetClass();
+  m_Text = AllocateWideText("MethodRequestParamInitialize", length);
   if (m_Text == nullptr) {
     kTrace.Error("MemoryAllocationFailed(malloc)-MethodRequestParamInitialize\n");
     return kWmiOutOfMemory;
+  }
+  result = CopyWideText(m_Text, length + 1, methodName);
+  if (FAILED(result)) {
+    kTrace.Error("WMIRequestFailed(StringCchCopy)-MethodRequest.  Error 0x%x\n", Hex(result));
+    ForgetText();
+    return kWmiRequestFailed;
   }
   m_Class = methodsClass;
   return kWmiSuccess;
 }
 
 wmiReturn OrbWmiRequest::QueryRequest(const wchar_t* wqlText, OrbWmiConnection& connection) {
-  const std::size_t length = MeasureWideText(wqlText);
-  if (length > kMaxTextLength) {
-    kTrace.Error("WMIRequestFailed(StringCchLength)-QueryRequest.  Error 0x%x\n", Hex(E_INVALIDARG));
+  std::size_t length = 0;
+  HRESULT result = MeasureWideText(wqlText, length);
+  if (FAILED(result)) {
+    kTrace.Error("WMIRequestFailed(StringCchLength)-QueryRequest.  Error 0x%x\n", Hex(result));
     return kWmiRequestFailed;
   }
   ForgetText();
-  m_Text = CopyWideText("QueryRequestParamInitialize", wqlText, length);
+  ForgetClass();
+  m_Text = AllocateWideText("QueryRequestParamInitialize", length);
   if (m_Text == nullptr) {
     kTrace.Error("MemoryAllocationFailed(malloc)-QueryRequestParamInitialize\n");
     return kWmiOutOfMemory;
+  }
+  result = CopyWideText(m_Text, length + 1, wqlText);
+  if (FAILED(result)) {
+    kTrace.Error("WMIRequestFailed(StringCchCopy)-QueryRequest.  Error 0x%x\n", Hex(result));
+    ForgetText();
+    return kWmiRequestFailed;
   }
   m_Class = platform::NewObject<OrbWmiClass>("OrbWmiClass");
   if (m_Class == nullptr) {
@@ -72,9 +88,8 @@ wmiReturn OrbWmiRequest::QueryRequest(const wchar_t* wqlText, OrbWmiConnection& 
   const wmiReturn status = m_Class->Initialize(connection, nullptr);
   if (status != kWmiSuccess) {
     kTrace.Error("InitializationFailure(OrbWmiClass)-QueryRequest\n");
-    platform::DeleteObject(std::exchange(m_Class, nullptr));
+    ForgetClass();
     ForgetText();
-    m_OwnsClass = 0;
     return status;
   }
   return kWmiSuccess;
@@ -119,16 +134,20 @@ wmiReturn OrbWmiRequest::AddOutputParameter(const wchar_t* name, OrbWmiVariant* 
 void OrbWmiRequest::cleanUp() {
   kTrace.Detail("cleanUp(Request)\n");
   ForgetText();
-  if (m_OwnsClass != 0) {
-    platform::DeleteObject(std::exchange(m_Class, nullptr));
-    m_OwnsClass = 0;
-  }
+  ForgetClass();
   DeleteAll(m_InputParameters);
   DeleteAll(m_OutputParameters);
 }
 
 void OrbWmiRequest::ForgetText() {
   platform::FreeStore(std::exchange(m_Text, nullptr));
+}
+
+void OrbWmiRequest::ForgetClass() {
+  OrbWmiClass* before = std::exchange(m_Class, nullptr);
+  if (std::exchange(m_OwnsClass, std::uint8_t{0}) != 0) {
+    platform::DeleteObject(before);
+  }
 }
 
 } // namespace korvex

@@ -36,6 +36,8 @@ public:
 
 private:
   void ForgetText();
+  /// Deletes the class if it is the request's own.
+  void ForgetClass();
 
   wchar_t* m_Text = nullptr;
   OrbWmiClass* m_Class = nullptr;

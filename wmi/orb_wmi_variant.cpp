@@ -74,7 +74,9 @@ wmiReturn OrbWmiVariant::SetProperty(const void* value, std::uint32_t length, st
     return status;
   }
   Release(before);
-  m_BorrowedArray = cimType == kCimObjectArray ? m_Variant.parray : nullptr;
+  if (cimType == kCimObjectArray) {
+    m_BorrowedArray = m_Variant.parray;
+  }
   return kWmiSuccess;
 }
 
@@ -107,6 +109,9 @@ wmiReturn OrbWmiVariant::ElementAt(std::int32_t index, IWbemClassObject** out) {
   if (index < 0 || index >= count) {
     return kWmiNoMoreData;
   }
+  if (!IsArrayOf(m_Variant.parray, VT_UNKNOWN, count)) {
+    return kWmiRequestFailed;
+  }
 
   void* data = nullptr;
   result = SafeArrayAccessData(m_Variant.parray, &data);
@@ -114,7 +119,7 @@ wmiReturn OrbWmiVariant::ElementAt(std::int32_t index, IWbemClassObject** out) {
     kTrace.Error("WMIRequestFailed(SafeArrayAccessData).  Error 0x%x\n", Hex(result));
     return kWmiRequestFailed;
   }
-  IUnknown* element = static_cast<IUnknown**>(data)[index];
+  IUnknown* element = data == nullptr ? nullptr : static_cast<IUnknown**>(data)[index];
   void* object = nullptr;
   result = element == nullptr ? E_POINTER : element->QueryInterface(IID_IWbemClassObject, &object);
   SafeArrayUnaccessData(m_Variant.parray);
@@ -126,12 +131,13 @@ wmiReturn OrbWmiVariant::ElementAt(std::int32_t index, IWbemClassObject** out) {
   return kWmiSuccess;
 }
 
-void OrbWmiVariant::Release(VARIANT& value) const {
+void OrbWmiVariant::Release(VARIANT& value) {
   const bool isBorrowed = value.vt == kVtObjectArray && value.parray != nullptr && value.parray == m_BorrowedArray;
   if (!isBorrowed) {
     VariantClear(&value);
   }
   VariantInit(&value);
+  m_BorrowedArray = nullptr;
 }
 
 } // namespace korvex

@@ -41,8 +41,8 @@ public:
   wmiReturn GetElement(std::int32_t index, IWbemClassObject** out);
 
 private:
-  /// Releases a value of this holder, but not an array that belongs to its maker.
-  void Release(VARIANT& value) const;
+  /// Releases the value that the holder had, but not an array that belongs to its maker.
+  void Release(VARIANT& value);
   wmiReturn ElementAt(std::int32_t index, IWbemClassObject** out);
 
   VARIANT m_Variant;

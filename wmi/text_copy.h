@@ -1,29 +1,23 @@
 #pragma once
 
-#include "platform/allocation.h"
+#include "platform/types.h"
 
 #include <cstddef>
-#include <cstdint>
-#include <cwchar>
+
+// Copies of wide texts that the layer keeps.
 
 namespace korvex {
 
-/// The most characters that a text may have.
-inline constexpr std::size_t kMaxTextLength = 2147483647;
+/// The characters of a text without its terminator. STRSAFE_E_INVALID_PARAMETER for no text or one of more than
+/// 2147483647 characters.
+HRESULT MeasureWideText(const wchar_t* text, std::size_t& length);
 
-/// The length of a wide text, or SIZE_MAX (above kMaxTextLength) for none.
-inline std::size_t MeasureWideText(const wchar_t* text) {
-  return text == nullptr ? SIZE_MAX : std::wcslen(text);
-}
+/// A zero-filled store for a text of `length` characters and its terminator (platform::FreeStore); none when it cannot
+/// be allocated.
+wchar_t* AllocateWideText(const char* storeName, std::size_t length);
 
-/// A copy of a wide text of `length` characters, with a terminator, in a store of its own (platform::FreeStore); none
-/// when it cannot be allocated.
-inline wchar_t* CopyWideText(const char* storeName, const wchar_t* text, std::size_t length) {
-  auto* copy = static_cast<wchar_t*>(platform::AllocateStore(storeName, (length + 1) * sizeof(wchar_t)));
-  if (copy != nullptr) {
-    std::wmemcpy(copy, text, length);
-  }
-  return copy;
-}
+/// Copies a text with its terminator into `capacity` characters. STRSAFE_E_INSUFFICIENT_BUFFER for a text that does not
+/// fit.
+HRESULT CopyWideText(wchar_t* target, std::size_t capacity, const wchar_t* text);
 
 } // namespace korvex

@@ -6,6 +6,7 @@
 #include <climits>
 #include <cstdio>
 #include <cwchar>
+#include <new>
 
 namespace korvex {
 
@@ -19,19 +20,20 @@ std::string NarrowText(const wchar_t* text) {
   if (bytes <= 0) {
     return {};
   }
-  std::string narrow(static_cast<std::size_t>(bytes), '\0');
-  WideCharToMultiByte(CP_ACP, 0, text, wideCount, narrow.data(), bytes, nullptr, nullptr);
-  return narrow;
+  try {
+    std::string narrow(static_cast<std::size_t>(bytes), '\0');
+    WideCharToMultiByte(CP_ACP, 0, text, wideCount, narrow.data(), bytes, nullptr, nullptr);
+    return narrow;
+  } catch (const std::bad_alloc&) {
+    return {};
+  }
 }
 
-std::string PointerText(const void* pointer) {
-  return PointerText(static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(pointer)));
-}
+PointerText::PointerText(const void* pointer)
+    : PointerText(static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(pointer))) {}
 
-std::string PointerText(std::uint64_t handle) {
-  char digits[17];
-  std::snprintf(digits, sizeof digits, "%016" PRIX64, handle);
-  return digits;
+PointerText::PointerText(std::uint64_t handle) {
+  std::snprintf(m_digits, sizeof m_digits, "%016" PRIX64, handle);
 }
 
 } // namespace korvex

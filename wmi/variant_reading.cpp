@@ -26,6 +26,11 @@ struct Target {
   }
 };
 
+wmiReturn Unsupported() {
+  kTrace.Error("GetVariantDataError(UnsupportedVariantType)\n");
+  return kWmiRequestFailed;
+}
+
 wmiReturn WriteBytes(const Target& target, const void* value, std::uint32_t bytes) {
   if (!target.HasRoomFor(bytes)) {
     return kWmiRequestFailed;
@@ -45,8 +50,9 @@ wmiReturn ReadBoolean(const VARIANT& source, const Target& target) {
 }
 
 wmiReturn ReadString(const wchar_t* text, const Target& target) {
-  const std::size_t narrowLength = platform::DefaultLocaleWcstombs(nullptr, text, 0);
-  if (narrowLength == static_cast<std::size_t>(-1)) {
+  constexpr auto kFailed = static_cast<std::size_t>(-1);
+  const std::size_t narrowLength = text == nullptr ? kFailed : platform::DefaultLocaleWcstombs(nullptr, text, 0);
+  if (narrowLength == kFailed) {
     kTrace.Error("WMIRequestFailed(wcstombs).\n");
     return kWmiRequestFailed;
   }
@@ -66,15 +72,17 @@ wmiReturn ReadString(const wchar_t* text, const Target& target) {
 }
 
 wmiReturn ReadText(const VARIANT& source, const Target& target, std::uint32_t cimType) {
-  const wchar_t* text = source.bstrVal == nullptr ? L"" : source.bstrVal;
   if (cimType == CIM_STRING) {
-    return ReadString(text, target);
+    return ReadString(source.bstrVal, target);
   }
-  if (cimType == CIM_UINT64) {
-    const std::int64_t number = OrbWmiCommon::WideToInt64(text);
-    return WriteBytes(target, &number, sizeof number);
+  if (cimType != CIM_UINT64) {
+    return kWmiSuccess;
   }
-  return kWmiSuccess;
+  if (source.bstrVal == nullptr) {
+    return Unsupported();
+  }
+  const std::int64_t number = OrbWmiCommon::WideToInt64(source.bstrVal);
+  return WriteBytes(target, &number, sizeof number);
 }
 
 /// Only into a buffer of exactly a VARIANT's size, so that an object where a plain value was expected is refused.
@@ -105,7 +113,10 @@ wmiReturn ReadByteArray(SAFEARRAY* array, const Target& target) {
     return kWmiRequestFailed;
   }
   const std::int64_t count = std::int64_t{upper} - lower + 1;
-  if (count < 0 || !target.HasRoomFor(static_cast<std::uint64_t>(count))) {
+  if (!IsArrayOf(array, VT_UI1, count)) {
+    return Unsupported();
+  }
+  if (!target.HasRoomFor(static_cast<std::uint64_t>(count))) {
     return kWmiRequestFailed;
   }
   void* data = nullptr;
@@ -114,11 +125,12 @@ wmiReturn ReadByteArray(SAFEARRAY* array, const Target& target) {
     kTrace.Error("WMIRequestFailed(SafeArrayAccessData).  Error 0x%x\n", Hex(result));
     return kWmiRequestFailed;
   }
-  if (count != 0) {
+  const bool hasData = count == 0 || data != nullptr;
+  if (count != 0 && hasData) {
     std::memcpy(target.buffer, data, static_cast<std::size_t>(count));
   }
   SafeArrayUnaccessData(array);
-  return kWmiSuccess;
+  return hasData ? kWmiSuccess : Unsupported();
 }
 
 } // namespace
@@ -126,7 +138,7 @@ wmiReturn ReadByteArray(SAFEARRAY* array, const Target& target) {
 wmiReturn OrbWmiCommon::GetVariantData(const VARIANT& source, void* buffer, std::uint32_t length,
                                        std::uint32_t cimType) {
   kTrace.Detail("GetVariantType(0x%x);cimType(0x%x)\n", source.vt, static_cast<unsigned>(cimType));
-  const Target target{buffer, length};
+  const Target target{buffer, buffer == nullptr ? 0 : length};
   switch (source.vt) {
   case VT_I4:
     return WriteBytes(target, &source.lVal, sizeof source.lVal);
@@ -141,8 +153,7 @@ wmiReturn OrbWmiCommon::GetVariantData(const VARIANT& source, void* buffer, std:
   case kVtByteArray:
     return ReadByteArray(source.parray, target);
   default:
-    kTrace.Error("GetVariantDataError(UnsupportedVariantType)\n");
-    return kWmiRequestFailed;
+    return Unsupported();
   }
 }
 

@@ -60,7 +60,7 @@ wmiReturn WriteSigned64(VARIANT& target, const void* value, std::uint32_t /*leng
   char text[kDecimalTextSize];
   const int written = std::snprintf(text, sizeof text, "%lld", static_cast<long long>(ValueAt<std::int64_t>(value)));
   if (written < 0 || written >= kDecimalTextSize) {
-    kTrace.Error("SetVariantDataError(StringCbPrintfW).  Error 0x%x\n", Hex(E_FAIL));
+    kTrace.Error("SetVariantDataError(StringCbPrintfW).  Error 0x%x\n", Hex(STRSAFE_E_INSUFFICIENT_BUFFER));
     return kWmiRequestFailed;
   }
   return WriteText(target, text, static_cast<std::uint32_t>(written));
@@ -71,7 +71,7 @@ wmiReturn WriteUnsigned64(VARIANT& target, const void* value, std::uint32_t /*le
   const int written =
       std::snprintf(text, sizeof text, "%llu", static_cast<unsigned long long>(ValueAt<std::uint64_t>(value)));
   if (written < 0 || written >= kDecimalTextSize) {
-    kTrace.Error("SetVariantDataError(StringCbPrintfA).  Error 0x%x\n", Hex(E_FAIL));
+    kTrace.Error("SetVariantDataError(StringCbPrintfA).  Error 0x%x\n", Hex(STRSAFE_E_INSUFFICIENT_BUFFER));
     return kWmiRequestFailed;
   }
   return WriteText(target, text, static_cast<std::uint32_t>(written));
