@@ -10,7 +10,7 @@ class PrintedTexts:
     """All that the tests have printed on each stream."""
 
     def __init__(self, directory):
-        self._texts = {stream: "\n".join(path.read_text(encoding="latin-1")
+        self._texts = {stream: "\n".join(path.read_bytes().decode("latin-1")
                                          for path in sorted(directory.glob(f"*.{stream}")))
                        for stream in (OUTPUT, ERRORS)}
 
