@@ -1,6 +1,6 @@
 #include "app/channel/channel.h"
-#include "app/cli/console/print.h"
 #include "app/report/host_header.h"
+#include "tests/unit/support/capture.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
@@ -19,10 +19,7 @@ protected:
 
   /// What stands behind `label` on its line of the generation-2 header.
   static std::string Field(const std::string& label) {
-    testing::internal::CaptureStdout();
-    PrintHostHeaderV2();
-    FlushConsole();
-    const std::string header = "\n" + testing::internal::GetCapturedStdout();
+    const std::string header = "\n" + Capture(PrintHostHeaderV2).out;
     const std::size_t start = header.find("\n" + label);
     if (start == std::string::npos) {
       return "(no such line)";

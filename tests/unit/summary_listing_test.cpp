@@ -1,10 +1,10 @@
 #include "app/channel/channel.h"
-#include "app/cli/console/print.h"
 #include "app/cli/console/run_state.h"
 #include "app/inventory/gen2_stores.h"
 #include "app/inventory/limits.h"
 #include "app/report/interface_type_name.h"
 #include "app/report/summary_listing.h"
+#include "tests/unit/support/capture.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -37,12 +37,7 @@ protected:
     ResetRunState();
   }
 
-  static std::string Printed(void (*print)()) {
-    testing::internal::CaptureStdout();
-    print();
-    FlushConsole();
-    return testing::internal::GetCapturedStdout();
-  }
+  static std::string Printed(void (*print)()) { return Capture(print).out; }
   static std::string PrintedRow() {
     return Printed([] { EXPECT_TRUE(PrintArraySummaryRow()); });
   }

@@ -1,5 +1,8 @@
 #include "app/report/time_text.h"
 
+#include "app/cli/console/trace.h"
+#include "tests/unit/support/capture.h"
+
 #include <array>
 #include <gtest/gtest.h>
 #include <string>
@@ -24,6 +27,16 @@ TEST(TimeText, TimeOfDay) {
     EXPECT_STREQ(text.data(), row.text) << row.seconds;
     EXPECT_EQ(std::string(text.data() + 9, 10), std::string(10, '\0')) << "the rest is cleared";
   }
+}
+
+TEST(TimeText, TracesTheFileTime) {
+  gTraceEnabled = true;
+  std::array<char, 19> text;
+  const CapturedOutput captured = Capture([&text] { FormatTimeOfDay(3723, text.data(), text.size()); });
+  gTraceEnabled = false;
+  // (3723 + 11644473600) x 10000000 is 0x019DB1E780533780.
+  EXPECT_EQ(captured.err, "rawTime e8b\ndwHighDateTime 0x19db1e7, dwLowDateTime 0x80533780\n");
+  EXPECT_EQ(captured.out, "");
 }
 
 TEST(TimeText, ShortBufferCutsAndTerminates) {
