@@ -2,6 +2,7 @@
 #include "app/channel/dsm_name.h"
 #include "app/cli/console/bounded_text.h"
 #include "app/cli/console/run_state.h"
+#include "tests/unit/support/capture.h"
 
 #include <cstring>
 #include <filesystem>
@@ -48,10 +49,9 @@ private:
 
 /// The chosen name, or what was printed when none was.
 std::string Chosen() {
-  testing::internal::CaptureStderr();
   char name[kDsmNameSize] = "untouched";
-  const bool isChosen = ChooseDsmName(name);
-  const std::string printed = testing::internal::GetCapturedStderr();
+  bool isChosen = false;
+  const std::string printed = Capture([&] { isChosen = ChooseDsmName(name); }).err;
   return isChosen ? name + printed : "refused: " + printed;
 }
 
@@ -117,9 +117,7 @@ TEST_F(DsmNameTest, RemembersTheNameAsGiven) {
 
   std::filesystem::remove("dsmname.txt");
   std::filesystem::create_directory("dsmname.txt");
-  testing::internal::CaptureStderr();
-  RememberDsmName("oemdsm");
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(Capture([] { RememberDsmName("oemdsm"); }).err, "");
 }
 
 TEST(DsmClassNames, FollowFromNameAndGeneration) {
