@@ -27,7 +27,7 @@ def audit_problems(accounts):
 
 def _excesses(kind, counts, names, limits):
     return [f"{kind}{name}: {counts[name]} where {limits.get(name, 0)} may be" for name in names
-            if counts[name] > limits.get(name, 0)]
+            if counts.get(name, 0) > limits.get(name, 0)]
 
 
 def calls(accounts, operation):
