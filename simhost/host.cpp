@@ -27,6 +27,20 @@ void ReadDeviceTree(const Node& deviceTree, Host& host) {
 
 } // namespace
 
+Host::Host(const std::string& statePath) : state(statePath) {
+  CimClass system;
+  system.name = L"__SystemClass";
+  repository.AddClass(std::move(system));
+  CimClass parameters;
+  parameters.name = L"__PARAMETERS";
+  repository.AddClass(std::move(parameters));
+  CimClass nameSpace;
+  nameSpace.name = L"__NAMESPACE";
+  nameSpace.superclass = L"__SystemClass";
+  nameSpace.properties = {Key(L"Name")};
+  repository.AddClass(std::move(nameSpace));
+}
+
 std::unique_ptr<Host> ReadHost(std::string_view description, const std::string& statePath) {
   const Json document = ParseJson(description);
   auto host = std::make_unique<Host>(statePath);

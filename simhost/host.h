@@ -25,8 +25,8 @@ struct ComputerName {
 };
 
 struct Host {
-  /// `statePath` empty keeps changes in memory.
-  explicit Host(const std::string& statePath) : state(statePath) {}
+  /// A host that has the system's own classes only; `statePath` empty keeps changes in memory.
+  explicit Host(const std::string& statePath);
   Host(const Host&) = delete;
   Host& operator=(const Host&) = delete;
 

@@ -121,11 +121,10 @@ std::wstring RealComputerName() {
 
 std::string ReadDescription(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
-  std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   if (!file || std::filesystem::is_directory(path)) {
     Refuse("host.json: cannot be read");
   }
-  return text;
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 std::shared_ptr<Host> HostOfDirectory(const std::filesystem::path& directory) {

@@ -15,6 +15,9 @@ struct StateFileStatus {
   std::uint64_t size = 0;
 };
 
+/// The file's name without its directory, as messages name it.
+std::string StateFileName(const std::string& path);
+
 /// None when the path names no file. Throws StateError when it cannot be told.
 StateFileStatus StatusOfStateFile(const std::string& path);
 

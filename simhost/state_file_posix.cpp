@@ -15,7 +15,7 @@ namespace {
 
 [[noreturn]] void Fail(const std::string& path, std::string_view action) {
   const int code = errno;
-  throw StateError(path + ": cannot " + std::string(action) + ": " + std::strerror(code));
+  throw StateError(StateFileName(path) + ": cannot " + std::string(action) + ": " + std::strerror(code));
 }
 
 /// Closes the file at the end of its life.
@@ -72,6 +72,10 @@ int TryLock(const std::string& path) {
 }
 
 } // namespace
+
+std::string StateFileName(const std::string& path) {
+  return path.substr(path.find_last_of('/') + 1);
+}
 
 StateFileStatus StatusOfStateFile(const std::string& path) {
   struct stat status = {};

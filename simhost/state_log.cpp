@@ -133,12 +133,21 @@ void StateLog::TakeIn(std::string_view text) {
       if (end + 1 == text.size()) {
         return;
       }
-      throw StateError(m_path + ": line " + std::to_string(m_lines + 1) + ": " + error.what());
+      RefuseLine(error.what());
     }
     m_offset += end + 1;
     ++m_lines;
     text.remove_prefix(end + 1);
   }
+}
+
+void StateLog::RefuseLine(std::string_view reason) const {
+  // The reason speaks of the one line that it saw.
+  constexpr std::string_view kOwnLine = "line 1, ";
+  const bool hasColumn = reason.starts_with(kOwnLine);
+  reason.remove_prefix(hasColumn ? kOwnLine.size() : 0);
+  throw StateError(StateFileName(m_path) + ": line " + std::to_string(m_lines + 1) + (hasColumn ? ", " : ": ") +
+                   std::string(reason));
 }
 
 void StateLog::TakeInLine(std::string_view line) {

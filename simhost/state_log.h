@@ -66,6 +66,7 @@ private:
   void StartOver(std::uint64_t fileId);
   void TakeIn(std::string_view text);
   void TakeInLine(std::string_view line);
+  [[noreturn]] void RefuseLine(std::string_view reason) const;
   void TakeInFile();
   void Compact(LockedStateFile& file);
 

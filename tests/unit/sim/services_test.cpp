@@ -118,7 +118,7 @@ TEST(ServicesTest, ListsTopLevelClasses) {
   platform::ComPtr<IEnumWbemClassObject> classes;
   ASSERT_EQ(client.services->ExecQuery(language.get(), query.get(), WBEM_FLAG_FORWARD_ONLY, nullptr, classes.put()),
             WBEM_S_NO_ERROR);
-  for (const wchar_t* name : {L"Colour", L"Bulb", L"Lamp"}) {
+  for (const wchar_t* name : {L"__SystemClass", L"__PARAMETERS", L"Colour", L"Bulb", L"Lamp"}) {
     platform::ComPtr<IWbemClassObject> definition;
     ULONG returned = 0;
     ASSERT_EQ(classes->Next(WBEM_INFINITE, 1, definition.put(), &returned), WBEM_S_NO_ERROR);

@@ -80,7 +80,7 @@ TEST_F(StateLogTest, NamesTheLineOfOtherDamage) {
     const StateLog log(m_path);
     ADD_FAILURE() << "not refused";
   } catch (const StateError& error) {
-    EXPECT_EQ(std::string(error.what()), m_path + ": line 2: no change of the machine's state");
+    EXPECT_EQ(std::string(error.what()), "host.state.jsonl: line 2: no change of the machine's state");
   }
 }
 
