@@ -9,6 +9,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <random>
 #include <string>
 
 namespace korvex {
@@ -20,8 +21,8 @@ protected:
   void SetUp() override {
     ResetRunState();
     m_before = std::filesystem::current_path();
-    m_directory = std::filesystem::temp_directory_path() /
-                  ("korvex_dsm_name_" + std::to_string(reinterpret_cast<std::uintptr_t>(this)));
+    m_directory =
+        std::filesystem::temp_directory_path() / ("korvex_dsm_name_" + std::to_string(std::random_device()()));
     std::filesystem::remove_all(m_directory);
     std::filesystem::create_directory(m_directory);
     std::filesystem::current_path(m_directory);
