@@ -35,7 +35,7 @@ wmiReturn OrbWmiRequest::ExecQuery(OrbWmiEnumerator** enumeratorOut) {
   platform::ComPtr<IEnumWbemClassObject> results;
   const HRESULT result =
       services->ExecQuery(language.get(), query.get(), WBEM_FLAG_FORWARD_ONLY, nullptr, results.put());
-  if (FAILED(result) || !results) {
+  if (FAILED(result)) {
     kTrace.Error("WmiRequestFailed(ExecQuery).  Error 0x%x\n", Hex(result));
     return StatusOfFailure(result);
   }

@@ -144,9 +144,9 @@ void OrbWmiRequest::ForgetText() {
 }
 
 void OrbWmiRequest::ForgetClass() {
-  OrbWmiClass* before = std::exchange(m_Class, nullptr);
-  if (std::exchange(m_OwnsClass, std::uint8_t{0}) != 0) {
-    platform::DeleteObject(before);
+  if (m_OwnsClass != 0) {
+    platform::DeleteObject(std::exchange(m_Class, nullptr));
+    m_OwnsClass = 0;
   }
 }
 
