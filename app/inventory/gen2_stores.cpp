@@ -67,6 +67,15 @@ bool EnsureAll() {
   return true;
 }
 
+/// The bytes of one place of a store; none when the store or the place does not exist.
+std::span<const std::uint8_t> Place(const unsigned char* store, std::uint32_t index, std::size_t placeSize,
+                                    std::uint32_t places) {
+  if (store == nullptr || index >= places) {
+    return {};
+  }
+  return {store + placeSize * index, placeSize};
+}
+
 } // namespace
 
 bool AllocateGen2Buffers() {
@@ -81,11 +90,11 @@ bool AllocateGen2Buffers() {
 }
 
 TpgControllerRecord StoredController(std::uint32_t index) {
-  return ReadTpgControllerRecord({gTpgInfoBuffer + kTpgRecordPlace * index, kTpgRecordPlace});
+  return ReadTpgControllerRecord(Place(gTpgInfoBuffer, index, kTpgRecordPlace, kMaxTpgRecords));
 }
 
 MpgDeviceRecord StoredLun(std::uint32_t index) {
-  return ReadMpgDeviceRecord({gMpgInfoBuffer + kMpgRecordPlace * index, kMpgRecordPlace});
+  return ReadMpgDeviceRecord(Place(gMpgInfoBuffer, index, kMpgRecordPlace, kMaxMpgRecords));
 }
 
 } // namespace korvex

@@ -51,9 +51,9 @@ inline constexpr std::uint32_t kMaxDevInfoRecords = 255;
 /// then.
 bool AllocateGen2Buffers();
 
-/// Stored controller record `index` (below gArrayControllerCount), decoded.
+/// Stored controller record `index` (below gArrayControllerCount), decoded; all zero where no store has such a place.
 TpgControllerRecord StoredController(std::uint32_t index);
-/// Stored LUN record `index` (below gArrayLunCount), decoded.
+/// Stored LUN record `index` (below gArrayLunCount), decoded; all zero where no store has such a place.
 MpgDeviceRecord StoredLun(std::uint32_t index);
 
 } // namespace korvex
