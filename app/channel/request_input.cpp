@@ -8,6 +8,8 @@
 #include "wmi/orb_wmi_class.h"
 #include "wmi/orb_wmi_enumerator.h"
 
+#include <cstring>
+
 namespace korvex {
 namespace {
 
@@ -42,7 +44,7 @@ wmiReturn SetArgumentObject(const wchar_t* className, const ArgumentProperty (&p
   if (object == nullptr) {
     return kWmiRequestFailed;
   }
-  status = input.SetProperty(object, sizeof object, CIM_OBJECT);
+  status = input.SetProperty(object, 0, CIM_OBJECT);
   if (status != kWmiSuccess) {
     object->Release();
   }
@@ -77,7 +79,9 @@ wmiReturn BuildInputArguments(void* argument, OrbWmiVariant& input) {
   if (status != kWmiSuccess) {
     return status;
   }
-  const auto* record = reinterpret_cast<const InputArgumentsRecord*>(static_cast<std::uintptr_t>(address));
+  const InputArgumentsRecord* record = nullptr;
+  static_assert(sizeof(void*) == sizeof address);
+  std::memcpy(&record, &address, sizeof address);
   if (record == nullptr) {
     return kWmiNotDefined;
   }

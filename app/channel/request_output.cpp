@@ -58,7 +58,7 @@ wmiReturn ReturnObject(OrbWmiVariant& output, OrbWmiVariant* holder) {
   if (object.get().vt != VT_UNKNOWN || object.get().punkVal == nullptr) {
     return kWmiNullValue;
   }
-  status = holder->SetProperty(object.get().punkVal, sizeof(VARIANT), CIM_OBJECT);
+  status = holder->SetProperty(object.get().punkVal, 0, CIM_OBJECT);
   if (status == kWmiSuccess) {
     // The holder has taken the reference over.
     object.get().vt = VT_EMPTY;

@@ -18,7 +18,7 @@ protected:
 
   /// A class with this method whose instance tells this DsmName.
   void AddDsm(const CimValue& name, CIMTYPE type = CIM_STRING, const wchar_t* method = L"VrxOptionControlRequest",
-              std::wstring className = {}) {
+              const std::wstring& className = {}) {
     simhost::CimClass definition;
     definition.name = className.empty() ? L"DSM" + std::to_wstring(m_count++) : className;
     definition.properties = {simhost::Property(L"DsmName", type)};

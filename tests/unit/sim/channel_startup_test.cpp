@@ -24,25 +24,25 @@ const char kVersionFailed[] = "Getting the MOF file version failed\n";
 TEST_F(StartupTest, LearnsTheGenerationFromTheVersionInEveryForm) {
   const struct {
     const char* what;
-    CIMTYPE type;
     CimValue value;
+    CIMTYPE type;
     int generation; ///< 0: start-up fails
   } cases[] = {
-      {"2.0.4", CIM_STRING, L"2.0.4", 2},
-      {"20.1 has its 0 in the wrong place", CIM_STRING, L"20.1", 1},
-      {"a single character", CIM_STRING, L"2", 1},
-      {"the empty text", CIM_STRING, L"", 1},
-      {"19 characters", CIM_STRING, L"2x0x5678901234567x9", 2},
-      {"20 characters", CIM_STRING, L"2x0x5678901234567x90", 0},
-      {"a character without a byte", CIM_STRING, L"2.0\x20AC", 0},
-      {"null", CIM_STRING, CimValue(), 0},
-      {"bytes", CIM_UINT8 | CIM_FLAG_ARRAY, CimValue::Bytes({'2', 0, '0'}), 2},
-      {"one byte", CIM_UINT8 | CIM_FLAG_ARRAY, CimValue::Bytes({'2'}), 1},
-      {"no bytes", CIM_UINT8 | CIM_FLAG_ARRAY, CimValue::Bytes({}), 1},
-      {"20 bytes", CIM_UINT8 | CIM_FLAG_ARRAY, CimValue::Bytes(std::vector<std::uint8_t>(20, '2')), 1},
-      {"21 bytes", CIM_UINT8 | CIM_FLAG_ARRAY, CimValue::Bytes(std::vector<std::uint8_t>(21, '2')), 0},
-      {"a number that spells it", CIM_UINT32, 0x00300032U, 2},
-      {"a number that cannot be read", CIM_UINT16 | CIM_FLAG_ARRAY, CimValue::Array({2U, 0U}), 0},
+      {"2.0.4", L"2.0.4", CIM_STRING, 2},
+      {"20.1 has its 0 in the wrong place", L"20.1", CIM_STRING, 1},
+      {"a single character", L"2", CIM_STRING, 1},
+      {"the empty text", L"", CIM_STRING, 1},
+      {"19 characters", L"2x0x5678901234567x9", CIM_STRING, 2},
+      {"20 characters", L"2x0x5678901234567x90", CIM_STRING, 0},
+      {"a character without a byte", L"2.0\x20AC", CIM_STRING, 0},
+      {"null", CimValue(), CIM_STRING, 0},
+      {"bytes", CimValue::Bytes({'2', 0, '0'}), CIM_UINT8 | CIM_FLAG_ARRAY, 2},
+      {"one byte", CimValue::Bytes({'2'}), CIM_UINT8 | CIM_FLAG_ARRAY, 1},
+      {"no bytes", CimValue::Bytes({}), CIM_UINT8 | CIM_FLAG_ARRAY, 1},
+      {"20 bytes", CimValue::Bytes(std::vector<std::uint8_t>(20, '2')), CIM_UINT8 | CIM_FLAG_ARRAY, 1},
+      {"21 bytes", CimValue::Bytes(std::vector<std::uint8_t>(21, '2')), CIM_UINT8 | CIM_FLAG_ARRAY, 0},
+      {"a number that spells it", 0x00300032U, CIM_UINT32, 2},
+      {"a number that cannot be read", CimValue::Array({2U, 0U}), CIM_UINT16 | CIM_FLAG_ARRAY, 0},
   };
   for (const auto& row : cases) {
     Begin();
@@ -190,24 +190,25 @@ TEST_F(DriverVersionTest, KeepsTheAnswerOrWhatOfItCouldBeRead) {
   const struct {
     const char* faults;
     int result;
-    Numbers fields;
     bool staysConnected;
+    Numbers fields;
     std::string printed;
   } cases[] = {
-      {"[]", 1, Numbers{1, 2, 3, 4}, false, kOpening + kDsmTrace + kRequest},
-      {R"([{"operation": "Get", "target": "VRXDSM_VERSION.ProductBuild", "give": "failed"}])", 1, Numbers{1, 2, 0, 4},
-       false, kOpening + kDsmTrace + kRequest},
-      {R"([{"operation": "Get", "target": "DsmContext", "give": "failed"}])", 1, Numbers{1, 2, 3, 4}, false,
+      {"[]", 1, false, Numbers{1, 2, 3, 4}, kOpening + kDsmTrace + kRequest},
+      {R"([{"operation": "Get", "target": "VRXDSM_VERSION.ProductBuild", "give": "failed"}])", 1, false,
+       Numbers{1, 2, 0, 4}, kOpening + kDsmTrace + kRequest},
+      {R"([{"operation": "Get", "target": "DsmContext", "give": "failed"}])", 1, false, Numbers{1, 2, 3, 4},
        kOpening + kDsmTrace + "utilGetDsmDriverVersion: Get Requested DSM 'TESTDSM' failed status 1\n" + kRequest},
-      {R"([{"operation": "ExecMethod", "give": "failed"}])", 1, Numbers{0, 0, 0, 0}, false,
+      {R"([{"operation": "ExecMethod", "give": "failed"}])", 1, false, Numbers{0, 0, 0, 0},
        kOpening + kDsmTrace + kRequestBegins + "ioctl return (0xffffffff)\nError initializing versionClass enum\n"},
-      {R"([{"operation": "GetObject", "target": "VRXDSM_VERSION", "give": "not found"}])", 1, Numbers{0, 0, 0, 0},
-       false, kOpening + kDsmTrace + kRequest + "Error initializing DSM_VERSION class\n"},
-      {R"([{"operation": "GetObject", "target": "TESTDSM_WMI_METHODS_V2", "give": "failed"}])", 0, Numbers{0, 0, 0, 0},
-       false, kOpening + "Unable to find TESTDSM_WMI_METHODS_V2 class\n"},
-      {R"([{"operation": "Clone", "target": "TESTDSM_WMI_METHODS_V2", "give": "failed"}])", 0, Numbers{0, 0, 0, 0},
-       true, kOpening + "utilGetDsmDriverVersion: Unable to initialize OrbWmi enumerator. wmiReturn = 1\n"},
-      {R"([{"operation": "ConnectServer", "occurrence": 2, "give": "failed"}])", 0, Numbers{0, 0, 0, 0}, false,
+      {R"([{"operation": "GetObject", "target": "VRXDSM_VERSION", "give": "not found"}])", 1, false,
+       Numbers{0, 0, 0, 0}, kOpening + kDsmTrace + kRequest + "Error initializing DSM_VERSION class\n"},
+      {R"([{"operation": "GetObject", "target": "TESTDSM_WMI_METHODS_V2", "give": "failed"}])", 0, false,
+       Numbers{0, 0, 0, 0}, kOpening + "Unable to find TESTDSM_WMI_METHODS_V2 class\n"},
+      {R"([{"operation": "Clone", "target": "TESTDSM_WMI_METHODS_V2", "give": "failed"}])", 0, true,
+       Numbers{0, 0, 0, 0},
+       kOpening + "utilGetDsmDriverVersion: Unable to initialize OrbWmi enumerator. wmiReturn = 1\n"},
+      {R"([{"operation": "ConnectServer", "occurrence": 2, "give": "failed"}])", 0, false, Numbers{0, 0, 0, 0},
        "Init connection\nUnable to initialize WMI connection.\n"},
   };
   for (const auto& row : cases) {
