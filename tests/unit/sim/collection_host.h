@@ -7,6 +7,7 @@
 #include "tests/unit/sim/channel_host.h"
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -51,10 +52,15 @@ protected:
     };
     addList(L"VrxDsmGetArrayInfo", L"DSMArrayInfo", L"VRXDSM_ARRAY_INFO");
     addList(L"VrxDsmGetTPGInfo", L"TPGInfo", L"VRXDSM_TARGET_PORT_GROUP_CONTROLLER");
+    addList(L"VrxDsmGetTPGInfoWithStatus", L"TPGInfo", L"VRXDSM_TARGET_PORT_GROUP_CONTROLLER");
     addList(L"VrxDsmGetMPGInfo", L"MPGInfo", L"VRXDSM_MULTIPATH_DEVICE");
     addList(L"VrxDsmGetDeviceInfo", L"DEVInfo", L"VRXDSM_DEVICE_INFO");
+    addList(L"VrxDsmGetDeviceInfoWithStatus", L"DEVInfo", L"VRXDSM_DEVICE_INFO");
     AddMethods(std::move(methods), [this](const simhost::MethodCall& call, simhost::CimObject* output) {
       ++calls[call.method.name];
+      if (!call.method.inputs.empty() && call.Input(L"inputArguments").IfObject() != nullptr) {
+        m_selection.emplace(*call.Input(L"inputArguments").IfObject());
+      }
       Answer(call.method, *output);
       return WBEM_S_NO_ERROR;
     });
@@ -90,7 +96,12 @@ protected:
   std::map<std::wstring, Elements> lists; ///< by method
   std::map<std::wstring, int> calls;      ///< by method
 
+  /// The selection that the last request carried.
+  const simhost::CimObject& Selection() const { return m_selection.value(); }
+
 private:
+  std::optional<simhost::CimObject> m_selection;
+
   void AddClassOf(const std::wstring& name, std::vector<simhost::PropertyDefinition> properties) {
     simhost::CimClass definition;
     definition.name = name;
