@@ -1,0 +1,89 @@
+#include "bench/made_host.h"
+
+#include <benchmark/benchmark.h>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <spawn.h>
+#include <string>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <vector>
+
+// Whole processes: what a start costs beside a program that does nothing, and how much memory the largest collection
+// takes.
+
+extern char** environ;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Runs a program in `directory` with its output thrown away; gives its peak memory in KiB.
+long RunProcess(const fs::path& directory, const std::string& program, const std::vector<std::string>& options) {
+  std::vector<std::string> words = {program};
+  words.insert(words.end(), options.begin(), options.end());
+  std::vector<char*> pointers;
+  for (std::string& word : words) {
+    pointers.push_back(word.data());
+  }
+  pointers.push_back(nullptr);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+  posix_spawn_file_actions_addchdir_np(&actions, directory.c_str());
+  pid_t child = 0;
+  const int spawned = posix_spawn(&child, program.c_str(), &actions, nullptr, pointers.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  int status = 0;
+  rusage usage = {};
+  if (spawned != 0 || wait4(child, &status, 0, &usage) != child || !WIFEXITED(status)) {
+    std::fprintf(stderr, "cannot run %s\n", program.c_str());
+    std::exit(1);
+  }
+  return usage.ru_maxrss;
+}
+
+/// A directory with the program in it and, unless it is empty, a host's description.
+fs::path LayDirectory(const std::string& name, const std::string& description) {
+  const fs::path directory = fs::path(KORVEX_BENCH_WORK) / name;
+  fs::remove_all(directory);
+  fs::create_directories(directory);
+  fs::copy_file(KORVEX_PROGRAM, directory / "korvex");
+  if (!description.empty()) {
+    std::ofstream(directory / "host.json") << description;
+  }
+  return directory;
+}
+
+void MeasureProcess(benchmark::State& state, const fs::path& directory, const std::string& program,
+                    const std::vector<std::string>& options) {
+  long peak = 0;
+  for ([[maybe_unused]] auto _ : state) {
+    peak = RunProcess(directory, program, options);
+  }
+  state.counters["peak_KiB"] = static_cast<double>(peak);
+}
+
+void EmptyProgram(benchmark::State& state) {
+  MeasureProcess(state, LayDirectory("empty", ""), KORVEX_EMPTY_PROGRAM, {});
+}
+BENCHMARK(EmptyProgram)->UseRealTime()->Unit(benchmark::kMicrosecond);
+
+/// Start-up over a machine without DSM: COM, the version class, the listing of no DSM.
+void StartUpWithoutDsm(benchmark::State& state) {
+  const fs::path directory = LayDirectory("no-dsm", "");
+  MeasureProcess(state, directory, directory / "korvex", {"-D"});
+}
+BENCHMARK(StartUpWithoutDsm)->UseRealTime()->Unit(benchmark::kMicrosecond);
+
+void LargestCollection(benchmark::State& state) {
+  const fs::path directory = LayDirectory("largest", MadeHost(1, 255, 16));
+  MeasureProcess(state, directory, directory / "korvex", {"-g", "0"});
+}
+BENCHMARK(LargestCollection)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+} // namespace

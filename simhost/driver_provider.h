@@ -1,0 +1,53 @@
+#pragma once
+
+#include "simhost/driver_model.h"
+#include "simhost/host.h"
+#include "simhost/provider.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace simhost {
+
+/// One DSM: its methods class's instance, and its methods answered from its arrays. What is set or scanned is recorded
+/// in the host's state.
+class DriverProvider : public Provider {
+public:
+  DriverProvider(Host& host, DriverModel driver);
+
+  Outcome EnumerateInstances(const ClassRef& definition, std::vector<CimObject>& instances) override;
+  Outcome ExecuteMethod(const MethodCall& call, CimObject* output) override;
+
+private:
+  using Method = HRESULT (DriverProvider::*)(const MethodCall& call, CimObject* output);
+  struct MethodRow {
+    std::wstring_view name;
+    Method run;
+  };
+  static const MethodRow kMethods[];
+
+  HRESULT GiveNumber(const MethodCall& call, CimObject* output);
+  HRESULT GiveVersion(const MethodCall& call, CimObject* output);
+  HRESULT GiveArrays(const MethodCall& call, CimObject* output);
+  HRESULT GiveControllers(const MethodCall& call, CimObject* output);
+  HRESULT GiveLuns(const MethodCall& call, CimObject* output);
+  HRESULT GiveDevices(const MethodCall& call, CimObject* output);
+  HRESULT SetDebugLevel(const MethodCall& call, CimObject* output);
+  HRESULT SetErrorLevel(const MethodCall& call, CimObject* output);
+  HRESULT PerformScan(const MethodCall& call, CimObject* output);
+
+  /// The arrays that a call's input selects; none when it selects nothing, which fails the method.
+  std::vector<const ArrayModel*> Select(const MethodCall& call) const;
+  /// The designation of the controller that owns the LUN now.
+  std::uint8_t CurrentOwner(const ArrayModel& array, std::size_t lunIndex) const;
+  /// Makes the preferred controller the LUN's owner.
+  void MoveHome(const ArrayModel& array, std::size_t lunIndex, StateChange& change) const;
+  std::string OwnerKey(const ArrayModel& array, std::size_t lunIndex) const;
+  std::string StateKey(std::string_view key) const;
+
+  Host& m_host;
+  DriverModel m_driver;
+};
+
+} // namespace simhost

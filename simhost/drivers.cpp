@@ -1,0 +1,32 @@
+#include "simhost/driver_classes.h"
+#include "simhost/driver_model.h"
+#include "simhost/driver_provider.h"
+#include "simhost/host_sections.h"
+
+#include <memory>
+#include <utility>
+
+namespace simhost {
+namespace {
+
+constexpr std::size_t kMaxDrivers = 256;
+
+} // namespace
+
+void BuildDrivers(const Node& dsms, Host& host) {
+  std::size_t index = 0;
+  for (const Node& node : dsms.Elements(kMaxDrivers)) {
+    DriverModel driver = ReadDriver(node, index++);
+    AddDriverDataClasses(host.repository, driver.generation);
+    if (driver.methodsClass.empty()) {
+      continue;
+    }
+    CimClass methods = DriverMethodsClass(driver);
+    const std::shared_ptr<Provider> provider = std::make_shared<DriverProvider>(host, std::move(driver));
+    if (!host.repository.AddClass(std::move(methods), provider)) {
+      node.Refuse("a DSM whose methods class no other DSM has");
+    }
+  }
+}
+
+} // namespace simhost

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "simhost/description.h"
+#include "simhost/host.h"
+
+// The top-level keys of the description that add classes to the repository.
+
+namespace simhost {
+
+/// "dsms": the installed DSMs.
+void BuildDrivers(const Node& dsms, Host& host);
+/// "interfaceVersion": the version class of the driver interface, once for the host.
+void BuildInterfaceVersion(const Node& version, Host& host);
+/// "mpio": the MPIO framework.
+void BuildFramework(const Node& mpio, Host& host);
+
+} // namespace simhost
