@@ -69,6 +69,10 @@ void AppendUtf8(std::string& text, std::uint32_t character) {
   }
 }
 
+std::uint32_t UnitNumber(wchar_t unit) {
+  return static_cast<std::uint32_t>(unit);
+}
+
 wchar_t FoldedUnit(wchar_t unit) {
   return unit >= L'A' && unit <= L'Z' ? static_cast<wchar_t>(unit - L'A' + L'a') : unit;
 }
@@ -104,10 +108,10 @@ std::string Utf8FromWide(std::wstring_view text) {
   std::string narrow;
   narrow.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
-    auto character = static_cast<std::uint32_t>(text[i]);
-    if (IsHighSurrogate(character) && i + 1 < text.size() && IsLowSurrogate(static_cast<std::uint32_t>(text[i + 1]))) {
+    std::uint32_t character = UnitNumber(text[i]);
+    if (IsHighSurrogate(character) && i + 1 < text.size() && IsLowSurrogate(UnitNumber(text[i + 1]))) {
       ++i;
-      character = 0x10000 + ((character - 0xD800) << 10) + (static_cast<std::uint32_t>(text[i]) - 0xDC00);
+      character = 0x10000 + ((character - 0xD800) << 10) + (UnitNumber(text[i]) - 0xDC00);
     } else if (IsHighSurrogate(character) || IsLowSurrogate(character) || character > 0x10FFFF) {
       character = kReplacement;
     }

@@ -108,6 +108,7 @@ TEST_F(StateLogTest, RunsCountTogether) {
   constexpr int kRuns = 4;
   constexpr int kChanges = 400;
   std::vector<std::thread> runs;
+  runs.reserve(kRuns);
   for (int run = 0; run < kRuns; ++run) {
     runs.emplace_back([this] {
       StateLog log(m_path);
