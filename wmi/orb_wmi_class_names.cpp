@@ -40,7 +40,7 @@ void GiveName(const platform::Bstr& name, char* buffer, std::uint32_t length) {
   }
   std::memset(buffer, 0, length);
   const std::string narrow = NarrowText(name.get());
-  std::memcpy(buffer, narrow.data(), std::min<std::size_t>(narrow.size(), length - 1));
+  std::copy_n(narrow.data(), std::min<std::size_t>(narrow.size(), length - 1), buffer);
 }
 
 } // namespace

@@ -177,10 +177,10 @@ TEST_F(OrbWmiEnumeratorTest, PassesObjectsAndArraysOnToProperties) {
   ASSERT_EQ(enumerator.Initialize(&m_class), kWmiSuccess);
   // The reference passes to the property, or goes with a failed call.
   part->AddRef();
-  EXPECT_EQ(enumerator.SetProperty(L"Part", part, sizeof part), 0U);
+  EXPECT_EQ(enumerator.SetProperty(L"Part", part, sizeof(void*)), 0U);
   part->AddRef();
   m_wmi->End("Put", platform::WbemResult(WBEM_E_FAILED));
-  EXPECT_EQ(enumerator.SetProperty(L"Part", part, sizeof part), 1U);
+  EXPECT_EQ(enumerator.SetProperty(L"Part", part, sizeof(void*)), 1U);
   EXPECT_EQ(enumerator.SetProperty(L"List", parts->get().parray, sizeof(void*)), 0U);
   // The service's, the property's, the array's and the copy's.
   EXPECT_EQ(part->AddRef(), 5U);

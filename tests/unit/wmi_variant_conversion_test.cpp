@@ -249,20 +249,24 @@ TEST(WideToInt64, ReadsTheNumberThatATextBeginsWith) {
 }
 
 TEST(SetCimType, SetsOnlyTheTag) {
-  constexpr std::pair<std::uint32_t, VARTYPE> kRows[] = {
+  struct Row {
+    std::uint32_t cimType;
+    VARTYPE vartype;
+  };
+  constexpr Row kRows[] = {
       {0, VT_EMPTY}, {2, VT_I2},       {3, VT_I4},     {4, VT_R4},     {5, VT_R8},   {8, VT_BSTR},
       {11, VT_BOOL}, {13, VT_UNKNOWN}, {16, VT_I2},    {17, VT_UI1},   {18, VT_I4},  {19, VT_I4},
       {20, VT_BSTR}, {21, VT_BSTR},    {101, VT_BSTR}, {102, VT_BSTR}, {103, VT_I2}, {0x200D, VT_ARRAY | VT_UNKNOWN},
   };
-  for (const auto& [cimType, vartype] : kRows) {
+  for (const Row& row : kRows) {
     VARIANT variant;
     VariantInit(&variant);
     variant.vt = VT_R8;
     variant.llVal = 0x1122334455667788;
-    EXPECT_EQ(Traced([&] { return OrbWmiCommon::SetCimType(variant, cimType); }),
-              (Outcome{0, "(orbWmiCommon):SetCimType(CimType-" + Hex(cimType) + ";VarType-0x5)\n"}));
-    EXPECT_EQ(variant.vt, vartype) << cimType;
-    EXPECT_EQ(variant.llVal, 0x1122334455667788) << cimType;
+    EXPECT_EQ(Traced([&] { return OrbWmiCommon::SetCimType(variant, row.cimType); }),
+              (Outcome{0, "(orbWmiCommon):SetCimType(CimType-" + Hex(row.cimType) + ";VarType-0x5)\n"}));
+    EXPECT_EQ(variant.vt, row.vartype) << row.cimType;
+    EXPECT_EQ(variant.llVal, 0x1122334455667788) << row.cimType;
   }
   for (const std::uint32_t cimType : {1U, 6U, 12U, 14U, 0x2011U, 0x2008U, 0x1000DU}) {
     const Value number = NumberValue(7);

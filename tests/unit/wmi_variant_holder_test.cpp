@@ -85,7 +85,7 @@ TEST_F(OrbWmiVariantTest, OwnsObjectsAndReferencesGivenToIt) {
   FakeClassObject* object = m_wmi->NewObject({});
   OrbWmiVariant holder;
   object->AddRef();
-  ASSERT_EQ(holder.SetProperty(object, sizeof object, CIM_OBJECT), 0U);
+  ASSERT_EQ(holder.SetProperty(object, sizeof(void*), CIM_OBJECT), 0U);
   EXPECT_EQ(object->AddRef(), 3U);
   object->Release();
   platform::Variant read;

@@ -94,8 +94,13 @@ TEST_F(WmiAllocationTest, RefusedConversions) {
       common + "WMIRequestFailed(VariantCopy).  Error 0x8007000e\n");
   const Value bytes = BytesValue("abc");
   const auto read = [&] { return OrbWmiCommon::GetVariantData(bytes->get(), buffer, sizeof buffer, 0x2011); };
-  for (const std::string call : {"SafeArrayGetLBound", "SafeArrayGetUBound", "SafeArrayAccessData"}) {
-    ExpectRefused(call.c_str(), "", read, 1, common + "WMIRequestFailed(" + call + ").  Error 0x8007000e\n");
+  constexpr std::pair<const char*, const char*> kCalls[] = {
+      {"SafeArrayGetLBound", "(orbWmiCommon):WMIRequestFailed(SafeArrayGetLBound).  Error 0x8007000e\n"},
+      {"SafeArrayGetUBound", "(orbWmiCommon):WMIRequestFailed(SafeArrayGetUBound).  Error 0x8007000e\n"},
+      {"SafeArrayAccessData", "(orbWmiCommon):WMIRequestFailed(SafeArrayAccessData).  Error 0x8007000e\n"},
+  };
+  for (const auto& [call, trace] : kCalls) {
+    ExpectRefused(call, "", read, 1, trace);
   }
   EXPECT_STREQ(buffer, "#######");
 }
@@ -105,8 +110,13 @@ TEST_F(WmiAllocationTest, RefusedElements) {
   ASSERT_EQ(holder.CopyVariant(ObjectsValue({m_wmi->methodOutput})->get()), kWmiSuccess);
   platform::ComPtr<IWbemClassObject> element;
   const auto take = [&] { return holder.GetElement(0, element.put()); };
-  for (const std::string call : {"SafeArrayGetUBound", "SafeArrayGetLBound", "SafeArrayAccessData"}) {
-    ExpectRefused(call.c_str(), "", take, 1, "(orbWmiVariant):WMIRequestFailed(" + call + ").  Error 0x8007000e\n");
+  constexpr std::pair<const char*, const char*> kCalls[] = {
+      {"SafeArrayGetUBound", "(orbWmiVariant):WMIRequestFailed(SafeArrayGetUBound).  Error 0x8007000e\n"},
+      {"SafeArrayGetLBound", "(orbWmiVariant):WMIRequestFailed(SafeArrayGetLBound).  Error 0x8007000e\n"},
+      {"SafeArrayAccessData", "(orbWmiVariant):WMIRequestFailed(SafeArrayAccessData).  Error 0x8007000e\n"},
+  };
+  for (const auto& [call, trace] : kCalls) {
+    ExpectRefused(call, "", take, 1, trace);
     EXPECT_FALSE(element);
   }
   OrbWmiArrayEnumerator builder;
@@ -182,15 +192,16 @@ TEST_F(WmiAllocationTest, RefusedRequests) {
                 tag + "MemoryAllocationFailed(OrbRequestParameter)-AddInputParameter\n");
   ExpectRefused("AllocateStore", "OrbRequestParameter", addOutput, 4,
                 tag + "MemoryAllocationFailed(OrbRequestParameter)-AddOutputParameter\n");
-  for (const auto& [add, name] :
-       {std::pair<std::function<wmiReturn()>, std::string>{addInput, "AddInputParameter"},
-        std::pair<std::function<wmiReturn()>, std::string>{addOutput, "AddOutputParameter"}}) {
-    ExpectRefused("AllocateStore", "RequestParamInitialize", add, 4,
-                  tag + "MemoryAllocationFailed(malloc)-RequestParamInitialize\n" + tag +
-                      "InitializationFailure(OrbRequestParameter)-" + name + "\n" + tag +
-                      "cleanUp(RequestParameter)\n");
-    ASSERT_EQ(add(), kWmiSuccess);
-  }
+  ExpectRefused("AllocateStore", "RequestParamInitialize", addInput, 4,
+                "(orbWmiRequest):MemoryAllocationFailed(malloc)-RequestParamInitialize\n"
+                "(orbWmiRequest):InitializationFailure(OrbRequestParameter)-AddInputParameter\n"
+                "(orbWmiRequest):cleanUp(RequestParameter)\n");
+  ExpectRefused("AllocateStore", "RequestParamInitialize", addOutput, 4,
+                "(orbWmiRequest):MemoryAllocationFailed(malloc)-RequestParamInitialize\n"
+                "(orbWmiRequest):InitializationFailure(OrbRequestParameter)-AddOutputParameter\n"
+                "(orbWmiRequest):cleanUp(RequestParameter)\n");
+  ASSERT_EQ(addInput(), kWmiSuccess);
+  ASSERT_EQ(addOutput(), kWmiSuccess);
   const auto execute = [&] { return request.ExecMethod(&m_instances); };
   ExpectRefused("SysAllocString", "Set", execute, 4, tag + "MemoryAllocationFailed(SysAllocString)-MethodName\n");
   ExpectRefused("SysAllocString", "In", execute, 4,
