@@ -133,10 +133,14 @@ TEST_F(InstalledDsmsTest, TracesWhatItFinds) {
   Open();
   AddDsm(L"oemdsm");
   gTraceEnabled = true;
-  EXPECT_EQ(List().err, "MetaClass=VRXDSM_MOF\n"
-                        "MetaClass=DSM0\n"
-                        "DsmWmiClass found='DSM0'\n"
-                        "DsmName=oemdsm\n");
+  // The system's own classes come first.
+  const std::string traced = List().err;
+  const std::size_t own = traced.find("MetaClass=VRXDSM_MOF\n");
+  ASSERT_NE(own, std::string::npos) << traced;
+  EXPECT_EQ(traced.substr(own), "MetaClass=VRXDSM_MOF\n"
+                                "MetaClass=DSM0\n"
+                                "DsmWmiClass found='DSM0'\n"
+                                "DsmName=oemdsm\n");
 }
 
 } // namespace
