@@ -80,9 +80,6 @@ bool WalkArrayInfoList(OrbWmiVariant& answer, std::span<std::uint8_t> receive, c
 } // namespace
 
 int ReadArrayInfoList(OrbWmiVariant& answer, unsigned char* receiveBuffer) {
-  // An array that cannot be read has no records; those of the array before it are not its own.
-  gArrayLunCount = 0;
-  gArrayControllerCount = 0;
   const OwnedStore nameBuffer = MakeStore("arrayNameBuffer", kArrayNameLimit + 1);
   if (nameBuffer == nullptr) {
     return 0;

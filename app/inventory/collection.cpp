@@ -60,6 +60,13 @@ bool AllocateReceiveBuffers(ReceiveBuffers& buffers) {
   return true;
 }
 
+/// The current array stands without controllers, LUNs and devices.
+void ForgetParts() {
+  gArrayControllerCount = 0;
+  gArrayLunCount = 0;
+  gDevInfoCount = 0;
+}
+
 /// Sends one information request for the selection; the answer comes back in `holder`.
 int SendForSelection(std::uint32_t requestCode, const InputArgumentsRecord* selection, OrbWmiVariant& holder) {
   const std::uint64_t address = reinterpret_cast<std::uintptr_t>(selection);
@@ -84,10 +91,7 @@ bool CollectArrayParts(const InputArgumentsRecord* selection, const ReceiveBuffe
     return false;
   }
   if (!storesExist) {
-    // Nothing can be stored: the array stands without records.
-    gArrayControllerCount = 0;
-    gArrayLunCount = 0;
-    gDevInfoCount = 0;
+    ForgetParts();
     return true;
   }
   ReadTpgInfoList(controllers, buffers.controller.get());
@@ -100,6 +104,8 @@ bool CollectArrayParts(const InputArgumentsRecord* selection, const ReceiveBuffe
 
 std::uint32_t CollectDsmArrayInfo(std::uint32_t /*requestCode*/, void* argument, OrbWmiVariant& /*output*/) {
   const auto* selection = static_cast<const InputArgumentsRecord*>(argument);
+  // An array that cannot be read has no parts; those of an array before it are not its own.
+  ForgetParts();
   ReceiveBuffers buffers;
   if (!AllocateReceiveBuffers(buffers)) {
     return kWmiOutOfMemory;
