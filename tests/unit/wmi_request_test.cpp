@@ -53,6 +53,7 @@ TEST_F(OrbWmiRequestTest, CallsAMethodWithItsArgumentsInOrder) {
   const std::int32_t number = 3;
   ASSERT_EQ(level.SetProperty(&number, sizeof number, CIM_SINT32), kWmiSuccess);
   ASSERT_EQ(name.SetProperty("n", 1, CIM_STRING), kWmiSuccess);
+  ASSERT_EQ(count.SetProperty("replaced", 8, CIM_STRING), kWmiSuccess);
   {
     OrbWmiRequest request;
     ASSERT_EQ(request.MethodRequest(L"Set", &m_class), kWmiSuccess);

@@ -196,8 +196,10 @@ TEST_F(WmiSecurityTest, ConnectsAndCloses) {
   EXPECT_EQ(m_wmi->log, (std::vector<std::wstring>{L"ConnectServer root\\WMI"}));
   EXPECT_EQ(m_connection.IsConnected(), 1);
   EXPECT_EQ(m_connection.IsSecured(), 0);
-  // A second connection replaces the first.
+  // A second connection replaces the first and is not secured yet.
+  EXPECT_EQ(m_connection.SetSecurity(), kWmiSuccess);
   EXPECT_EQ(m_connection.Initialize(L"root\\WMI"), kWmiSuccess);
+  EXPECT_EQ(m_connection.IsSecured(), 0);
   EXPECT_EQ(gFakeObjectsAlive, 2);
   m_wmi->End("SetBlanket", E_ACCESSDENIED);
   EXPECT_EQ(Traced([&] { return m_connection.SetSecurity(); }),

@@ -45,9 +45,8 @@ class FakeSecurity final : public FakeObject<IClientSecurity> {
 public:
   explicit FakeSecurity(FakeWmi& wmi) : FakeObject(wmi, IID_IClientSecurity) {}
 
-  HRESULT STDMETHODCALLTYPE QueryBlanket(IUnknown* /*proxy*/, DWORD* authnService, DWORD* authzService,
-                                         OLECHAR** /*principal*/, DWORD* authnLevel, DWORD* impLevel,
-                                         void** /*identity*/, DWORD* capabilities) override {
+  HRESULT STDMETHODCALLTYPE QueryBlanket(IUnknown*, DWORD* authnService, DWORD* authzService, OLECHAR**,
+                                         DWORD* authnLevel, DWORD* impLevel, void**, DWORD* capabilities) override {
     if (const auto result = m_wmi.Take("QueryBlanket")) {
       return *result;
     }
@@ -58,9 +57,8 @@ public:
     *capabilities = EOAC_NONE;
     return S_OK;
   }
-  HRESULT STDMETHODCALLTYPE SetBlanket(IUnknown* /*proxy*/, DWORD authnService, DWORD authzService,
-                                       OLECHAR* /*principal*/, DWORD authnLevel, DWORD impLevel, void* identity,
-                                       DWORD capabilities) override {
+  HRESULT STDMETHODCALLTYPE SetBlanket(IUnknown*, DWORD authnService, DWORD authzService, OLECHAR*, DWORD authnLevel,
+                                       DWORD impLevel, void* identity, DWORD capabilities) override {
     if (const auto result = m_wmi.Take("SetBlanket")) {
       return *result;
     }
@@ -69,7 +67,7 @@ public:
                         IdentityText(identity));
     return S_OK;
   }
-  HRESULT STDMETHODCALLTYPE CopyProxy(IUnknown* /*proxy*/, IUnknown** /*copy*/) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE CopyProxy(IUnknown*, IUnknown**) override { return E_NOTIMPL; }
 };
 
 class FakeEnumerator final : public FakeObject<EnumeratorStub> {
@@ -84,8 +82,7 @@ public:
     m_next = 0;
     return S_OK;
   }
-  HRESULT STDMETHODCALLTYPE Next(LONG /*timeout*/, ULONG /*count*/, IWbemClassObject** object,
-                                 ULONG* returned) override {
+  HRESULT STDMETHODCALLTYPE Next(LONG, ULONG, IWbemClassObject** object, ULONG* returned) override {
     *object = nullptr;
     *returned = 0;
     if (const auto result = m_wmi.Take("EnumNext")) {
@@ -115,8 +112,8 @@ class FakeServices final : public FakeObject<ServicesStub> {
 public:
   explicit FakeServices(FakeWmi& wmi) : FakeObject(wmi, IID_IWbemServices) {}
 
-  HRESULT STDMETHODCALLTYPE GetObject(const BSTR path, LONG /*flags*/, IWbemContext* /*context*/,
-                                      IWbemClassObject** object, IWbemCallResult** /*result*/) override {
+  HRESULT STDMETHODCALLTYPE GetObject(const BSTR path, LONG, IWbemContext*, IWbemClassObject** object,
+                                      IWbemCallResult**) override {
     if (const auto result = m_wmi.Take("GetObject")) {
       return *result;
     }
@@ -124,7 +121,7 @@ public:
     return found == m_wmi.classes.end() ? platform::WbemResult(WBEM_E_NOT_FOUND)
                                         : Give<IWbemClassObject>(found->second.definition, object);
   }
-  HRESULT STDMETHODCALLTYPE CreateInstanceEnum(const BSTR className, LONG flags, IWbemContext* /*context*/,
+  HRESULT STDMETHODCALLTYPE CreateInstanceEnum(const BSTR className, LONG flags, IWbemContext*,
                                                IEnumWbemClassObject** enumerator) override {
     if (const auto result = m_wmi.Take("CreateInstanceEnum")) {
       return *result;
@@ -133,15 +130,14 @@ public:
     *enumerator = new FakeEnumerator(m_wmi, m_wmi.classes.at(className).instances);
     return S_OK;
   }
-  HRESULT STDMETHODCALLTYPE PutInstance(IWbemClassObject* /*instance*/, LONG /*flags*/, IWbemContext* /*context*/,
-                                        IWbemCallResult** /*result*/) override {
+  HRESULT STDMETHODCALLTYPE PutInstance(IWbemClassObject*, LONG, IWbemContext*, IWbemCallResult**) override {
     if (const auto result = m_wmi.Take("PutInstance")) {
       return *result;
     }
     m_wmi.log.emplace_back(L"PutInstance");
     return S_OK;
   }
-  HRESULT STDMETHODCALLTYPE ExecQuery(const BSTR language, const BSTR query, LONG flags, IWbemContext* /*context*/,
+  HRESULT STDMETHODCALLTYPE ExecQuery(const BSTR language, const BSTR query, LONG flags, IWbemContext*,
                                       IEnumWbemClassObject** enumerator) override {
     if (const auto result = m_wmi.Take("ExecQuery")) {
       return *result;
@@ -150,9 +146,9 @@ public:
     *enumerator = new FakeEnumerator(m_wmi, m_wmi.queryResults);
     return S_OK;
   }
-  HRESULT STDMETHODCALLTYPE ExecMethod(const BSTR path, const BSTR method, LONG /*flags*/, IWbemContext* /*context*/,
+  HRESULT STDMETHODCALLTYPE ExecMethod(const BSTR path, const BSTR method, LONG, IWbemContext*,
                                        IWbemClassObject* inParameters, IWbemClassObject** outParameters,
-                                       IWbemCallResult** /*result*/) override {
+                                       IWbemCallResult**) override {
     if (const auto result = m_wmi.Take("ExecMethod")) {
       return *result;
     }
@@ -166,9 +162,9 @@ class FakeLocator final : public FakeObject<IWbemLocator> {
 public:
   explicit FakeLocator(FakeWmi& wmi) : FakeObject(wmi, IID_IWbemLocator) {}
 
-  HRESULT STDMETHODCALLTYPE ConnectServer(const BSTR networkResource, const BSTR user, const BSTR password,
-                                          const BSTR /*locale*/, LONG /*securityFlags*/, const BSTR authority,
-                                          IWbemContext* /*context*/, IWbemServices** services) override {
+  HRESULT STDMETHODCALLTYPE ConnectServer(const BSTR networkResource, const BSTR user, const BSTR password, const BSTR,
+                                          LONG, const BSTR authority, IWbemContext*,
+                                          IWbemServices** services) override {
     if (const auto result = m_wmi.Take("ConnectServer")) {
       return *result;
     }
@@ -218,7 +214,7 @@ FakeClassObject::Property* FakeClassObject::Find(const wchar_t* name) {
   return found == m_properties.end() ? nullptr : &*found;
 }
 
-HRESULT FakeClassObject::Get(LPCWSTR name, LONG /*flags*/, VARIANT* value, CIMTYPE* type, LONG* /*flavor*/) {
+HRESULT FakeClassObject::Get(LPCWSTR name, LONG, VARIANT* value, CIMTYPE* type, LONG*) {
   if (const auto result = m_wmi.Take("Get")) {
     return *result;
   }
@@ -232,7 +228,7 @@ HRESULT FakeClassObject::Get(LPCWSTR name, LONG /*flags*/, VARIANT* value, CIMTY
   return VariantCopy(value, &property->value->get());
 }
 
-HRESULT FakeClassObject::Put(LPCWSTR name, LONG /*flags*/, VARIANT* value, CIMTYPE type) {
+HRESULT FakeClassObject::Put(LPCWSTR name, LONG, VARIANT* value, CIMTYPE type) {
   if (const auto result = m_wmi.Take("Put")) {
     return *result;
   }
@@ -246,12 +242,12 @@ HRESULT FakeClassObject::Put(LPCWSTR name, LONG /*flags*/, VARIANT* value, CIMTY
   return VariantCopy(&property->value->get(), value);
 }
 
-HRESULT FakeClassObject::BeginEnumeration(LONG /*flags*/) {
+HRESULT FakeClassObject::BeginEnumeration(LONG) {
   m_nextProperty = 0;
   return m_wmi.Take("BeginEnumeration").value_or(S_OK);
 }
 
-HRESULT FakeClassObject::Next(LONG /*flags*/, BSTR* name, VARIANT* /*value*/, CIMTYPE* /*type*/, LONG* /*flavor*/) {
+HRESULT FakeClassObject::Next(LONG, BSTR* name, VARIANT*, CIMTYPE*, LONG*) {
   if (const auto result = m_wmi.Take("Next")) {
     return *result;
   }
@@ -262,7 +258,7 @@ HRESULT FakeClassObject::Next(LONG /*flags*/, BSTR* name, VARIANT* /*value*/, CI
   return S_OK;
 }
 
-HRESULT FakeClassObject::SpawnInstance(LONG /*flags*/, IWbemClassObject** newInstance) {
+HRESULT FakeClassObject::SpawnInstance(LONG, IWbemClassObject** newInstance) {
   if (const auto result = m_wmi.Take("SpawnInstance")) {
     return *result;
   }
@@ -270,7 +266,7 @@ HRESULT FakeClassObject::SpawnInstance(LONG /*flags*/, IWbemClassObject** newIns
   return S_OK;
 }
 
-HRESULT FakeClassObject::GetMethod(LPCWSTR name, LONG /*flags*/, IWbemClassObject** in, IWbemClassObject** out) {
+HRESULT FakeClassObject::GetMethod(LPCWSTR name, LONG, IWbemClassObject** in, IWbemClassObject** out) {
   if (const auto result = m_wmi.Take("GetMethod")) {
     return *result;
   }
@@ -283,12 +279,12 @@ HRESULT FakeClassObject::GetMethod(LPCWSTR name, LONG /*flags*/, IWbemClassObjec
   return platform::WbemResult(WBEM_E_NOT_FOUND);
 }
 
-HRESULT FakeClassObject::BeginMethodEnumeration(LONG /*flags*/) {
+HRESULT FakeClassObject::BeginMethodEnumeration(LONG) {
   m_nextMethod = 0;
   return m_wmi.Take("BeginMethodEnumeration").value_or(S_OK);
 }
 
-HRESULT FakeClassObject::NextMethod(LONG /*flags*/, BSTR* name, IWbemClassObject** in, IWbemClassObject** out) {
+HRESULT FakeClassObject::NextMethod(LONG, BSTR* name, IWbemClassObject** in, IWbemClassObject** out) {
   if (const auto result = m_wmi.Take("NextMethod")) {
     return *result;
   }
