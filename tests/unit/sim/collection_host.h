@@ -29,8 +29,14 @@ class CollectionHost : public ChannelHost {
 protected:
   using Elements = std::vector<ListElement>;
 
-  /// Starts the channel over a DSM with one array of two controllers and 300 LUNs, so announced, and empty lists.
+  /// Starts the channel over the DSM of Describe.
   void Open(const std::string& faults = "[]") {
+    Describe(faults);
+    ASSERT_TRUE(StartChannel());
+  }
+
+  /// A DSM with one array of two controllers and 300 LUNs, so announced, and empty lists. The channel has not started.
+  void Describe(const std::string& faults) {
     FreeRunBuffers();
     MaxArrayModules = kUnknownLimit;
     Begin(faults);
@@ -67,7 +73,6 @@ protected:
     calls.clear();
     lists.clear();
     lists[L"VrxDsmGetArrayInfo"] = {{186U, simhost::CimValue::Bytes(ArrayRecord(300, 2))}};
-    ASSERT_TRUE(StartChannel());
   }
 
   void TearDown() override {
