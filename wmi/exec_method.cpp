@@ -97,7 +97,8 @@ wmiReturn GetOutputs(MethodCall& call, const std::vector<OrbRequestParameter*>& 
     }
     kTrace.Detail("Name(%s);Variant(0x%s)\n", NarrowText(name.get()).c_str(),
                   PointerText(parameter->GetValue()).c_str());
-    VARIANT value;
+    // Zeroed whole, as a narrow number may later be read as a wider one.
+    VARIANT value = {};
     VariantInit(&value);
     CIMTYPE cimType = CIM_EMPTY;
     const HRESULT result = call.outParameters->Get(name.get(), 0, &value, &cimType, nullptr);

@@ -45,7 +45,8 @@ private:
   void Release(VARIANT& value);
   wmiReturn ElementAt(std::int32_t index, IWbemClassObject** out);
 
-  VARIANT m_Variant;
+  /// Zeroed whole: a type tag may be set before there is a value, and VariantInit promises no more than the tag.
+  VARIANT m_Variant = {};
   SAFEARRAY* m_BorrowedArray = nullptr;
   Destruction m_Destruction;
 };
