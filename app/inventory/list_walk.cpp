@@ -43,7 +43,9 @@ bool ListWalk::NextRecord(std::span<std::uint8_t> receive, Length length, NullBu
   if (wanted > receive.size()) {
     return false;
   }
-  const wmiReturn status = m_elements->GetProperty(L"Buffer", receive.data(), static_cast<std::uint32_t>(wanted));
+  // Into exactly a VARIANT's room an object would be read, with a reference that nobody releases.
+  const std::size_t room = wanted == sizeof(VARIANT) ? wanted + 1 : wanted;
+  const wmiReturn status = m_elements->GetProperty(L"Buffer", receive.data(), static_cast<std::uint32_t>(room));
   if (status != kWmiSuccess && (status != kWmiNullValue || nullBuffer == NullBuffer::kEndsWalk)) {
     return false;
   }
