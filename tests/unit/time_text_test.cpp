@@ -1,6 +1,5 @@
-#include "app/report/time_text.h"
-
 #include "app/cli/console/trace.h"
+#include "app/report/time_text.h"
 #include "tests/unit/support/capture.h"
 
 #include <array>

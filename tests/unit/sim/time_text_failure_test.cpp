@@ -17,6 +17,7 @@ TEST_F(TimeTextFailure, IsTracedAndShown) {
   EXPECT_STREQ(text.data(), "Format error");
   EXPECT_EQ(captured.err, "rawTime e8b\ndwHighDateTime 0x19db1e7, dwLowDateTime 0x80533780\n"
                           "Unable to convert 0xe8b to system time.  Error 87\n");
+  gTraceEnabled = false;
   FormatTimeOfDay(3723, text.data(), 9);
   EXPECT_STREQ(text.data(), "Format e");
 }
