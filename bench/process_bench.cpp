@@ -26,6 +26,7 @@ long RunProcess(const fs::path& directory, const std::string& program, const std
   std::vector<std::string> words = {program};
   words.insert(words.end(), options.begin(), options.end());
   std::vector<char*> pointers;
+  pointers.reserve(words.size() + 1);
   for (std::string& word : words) {
     pointers.push_back(word.data());
   }
@@ -49,7 +50,7 @@ long RunProcess(const fs::path& directory, const std::string& program, const std
 
 /// A directory with the program in it and, unless it is empty, a host's description.
 fs::path LayDirectory(const std::string& name, const std::string& description) {
-  const fs::path directory = fs::path(KORVEX_BENCH_WORK) / name;
+  fs::path directory = fs::path(KORVEX_BENCH_WORK) / name;
   fs::remove_all(directory);
   fs::create_directories(directory);
   fs::copy_file(KORVEX_PROGRAM, directory / "korvex");

@@ -93,6 +93,12 @@ struct SAFEARRAY {
   SAFEARRAYBOUND rgsabound[1];
 };
 
+/// What makes a VARIANT as large as it is; not used.
+struct VARIANT_RECORD {
+  PVOID pvRecord;
+  PVOID pRecInfo;
+};
+
 struct VARIANT {
   VARTYPE vt;
   WORD wReserved1;
@@ -109,10 +115,7 @@ struct VARIANT {
     BSTR bstrVal;
     IUnknown* punkVal;
     SAFEARRAY* parray;
-    struct {
-      PVOID pvRecord;
-      PVOID pRecInfo;
-    } record;
+    VARIANT_RECORD record;
   };
 };
 using VARIANTARG = VARIANT;
