@@ -75,20 +75,6 @@ TEST_F(SummaryListing, InterfaceColumn) {
   }
 }
 
-TEST_F(SummaryListing, LastSlotIsShown) {
-  m_interfaceTypes[63] = 6;
-  EXPECT_EQ(PrintedRow(), " 3 60080e50001f2e3d0000000000000a0b  SAS" + std::string(2 + 11, ' ') + "Depot     \n");
-}
-
-TEST_F(SummaryListing, IdsOfEveryWidthAndZeroBytesInTheWwn) {
-  gSelectedArrayId = 255;
-  m_wwn[0] = 0;
-  m_wwn[31] = 0;
-  m_name[0] = '\0';
-  EXPECT_EQ(PrintedRow(),
-            std::string("255 ") + '\0' + "0080e50001f2e3d0000000000000a0" + '\0' + "                 " + "     \n");
-}
-
 TEST_F(SummaryListing, OfGenerationOneWritesTheWwnInHexadecimal) {
   gMofFileVersion[0] = 1;
   EXPECT_EQ(PrintedRow(), " 3 36303038306535303030316632653364 " + std::string(16, ' ') + "Depot     \n");

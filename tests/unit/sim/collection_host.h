@@ -7,7 +7,6 @@
 #include "tests/unit/sim/channel_host.h"
 
 #include <map>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,14 +28,8 @@ class CollectionHost : public ChannelHost {
 protected:
   using Elements = std::vector<ListElement>;
 
-  /// Starts the channel over the DSM of Describe.
+  /// Starts the channel over a DSM with one array of two controllers and 300 LUNs, so announced, and empty lists.
   void Open(const std::string& faults = "[]") {
-    Describe(faults);
-    ASSERT_TRUE(StartChannel());
-  }
-
-  /// A DSM with one array of two controllers and 300 LUNs, so announced, and empty lists. The channel has not started.
-  void Describe(const std::string& faults) {
     FreeRunBuffers();
     MaxArrayModules = kUnknownLimit;
     Begin(faults);
@@ -64,15 +57,13 @@ protected:
     addList(L"VrxDsmGetDeviceInfoWithStatus", L"DEVInfo", L"VRXDSM_DEVICE_INFO");
     AddMethods(std::move(methods), [this](const simhost::MethodCall& call, simhost::CimObject* output) {
       ++calls[call.method.name];
-      if (!call.method.inputs.empty() && call.Input(L"inputArguments").IfObject() != nullptr) {
-        m_selection.emplace(*call.Input(L"inputArguments").IfObject());
-      }
       Answer(call.method, *output);
       return WBEM_S_NO_ERROR;
     });
     calls.clear();
     lists.clear();
     lists[L"VrxDsmGetArrayInfo"] = {{186U, simhost::CimValue::Bytes(ArrayRecord(300, 2))}};
+    ASSERT_TRUE(StartChannel());
   }
 
   void TearDown() override {
@@ -101,12 +92,7 @@ protected:
   std::map<std::wstring, Elements> lists; ///< by method
   std::map<std::wstring, int> calls;      ///< by method
 
-  /// The selection that the last request carried.
-  const simhost::CimObject& Selection() const { return m_selection.value(); }
-
 private:
-  std::optional<simhost::CimObject> m_selection;
-
   void AddClassOf(const std::wstring& name, std::vector<simhost::PropertyDefinition> properties) {
     simhost::CimClass definition;
     definition.name = name;
@@ -123,10 +109,14 @@ private:
     simhost::CimObject list(Classes().RequireClass(parameter.embeddedClass));
     std::vector<simhost::CimObject> elements;
     for (const ListElement& element : lists[method.name]) {
-      elements.emplace_back(Classes().RequireClass(list.Class()->properties[0].embeddedClass))
-          .Set(L"Size", element.size)
-          .Set(L"Version", 1U)
-          .Set(L"Buffer", element.buffer);
+      simhost::CimObject& made =
+          elements.emplace_back(Classes().RequireClass(list.Class()->properties[0].embeddedClass));
+      made.Set(L"Size", element.size).Set(L"Version", 1U);
+      if (element.buffer.IfObject() != nullptr) {
+        made.Force(made.Class()->PropertyIndex(L"Buffer").value(), element.buffer, CIM_OBJECT);
+      } else {
+        made.Set(L"Buffer", element.buffer);
+      }
     }
     list.Set(L"List", simhost::CimValue::Embed(std::move(elements)));
     output.Set(parameter.name, simhost::CimValue::Embed(std::move(list)));

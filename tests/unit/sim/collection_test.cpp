@@ -51,27 +51,6 @@ TEST_F(Collection, SendsOneRequestOfEachKind) {
   EXPECT_EQ(Capture([] { EXPECT_EQ(GetDsmArrayInfo(), 1); }).err, begun + ended);
 }
 
-TEST_F(Collection, CarriesTheSelection) {
-  struct Row {
-    SelectionMode mode;
-    std::uint64_t type;
-    std::uint64_t id;
-    std::wstring wwn;
-  };
-  const std::wstring wwn = L"60080e50001f2e3d0000000000000a0b";
-  const Row rows[] = {{kAllArrays, 0, 0, L""}, {kByArrayId, 1, 7, L""}, {kByWwn, 2, 0, wwn}};
-  for (const Row& row : rows) {
-    Open();
-    gSelectionMode = row.mode;
-    gSelectedArrayId = 7;
-    std::copy(wwn.begin(), wwn.end(), gSelectionWwn);
-    EXPECT_EQ(Collect(), 1);
-    EXPECT_EQ(Selection().Value(L"argType").Number(99), row.type);
-    EXPECT_EQ(Selection().Value(L"argID").Number(99), row.id);
-    EXPECT_EQ(Selection().Value(L"argWWN").TextOrEmpty(), row.wwn);
-  }
-}
-
 struct FailureRow {
   const char* fault;
   const char* trace;

@@ -131,6 +131,17 @@ TEST_F(ListReaders, ShortRecordsAreFollowedByZerosAtTheirOwnPlaces) {
   EXPECT_EQ(gDevInfoRecordSize, 1U);
 }
 
+/// Also not of the size that an object would be read into.
+TEST_F(ListReaders, AnObjectIsNoRecord) {
+  for (const std::uint32_t size : {23U, 24U, 25U}) {
+    Open();
+    lists[L"VrxDsmGetDeviceInfo"] = {
+        {size, CimValue::Embed(simhost::CimObject(Classes().RequireClass(L"VRXDSM_DEVICE_INFO")))}};
+    EXPECT_EQ(Collect(), 1);
+    EXPECT_EQ(gDevInfoCount, 0U) << size;
+  }
+}
+
 TEST_F(ListReaders, AnArrayWithoutARecordHasNoParts) {
   Open();
   lists[L"VrxDsmGetTPGInfo"] = Elements(2, Record(7328, 7328));

@@ -1,9 +1,7 @@
 #include "app/cli/end_of_run.h"
 #include "app/inventory/path_information.h"
 #include "tests/unit/sim/channel_host.h"
-#include "tests/unit/support/capture.h"
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -16,9 +14,9 @@ using simhost::CimValue;
 /// A framework that tells `numberPaths` and lists an adapter for each name of `adapters`.
 class PathInformationTest : public ChannelHost {
 protected:
-  void Open(const std::string& faults = "[]") {
+  void Open() {
     FreeRunBuffers();
-    Begin(faults);
+    Begin();
     AddVersion(L"2.0.4");
     simhost::CimClass adapter;
     adapter.name = L"MPIO_ADAPTER_INFORMATION";
@@ -105,46 +103,6 @@ TEST_F(PathInformationTest, AdapterNames) {
   EXPECT_EQ(ReadName(2), L"");
   EXPECT_EQ(gPathInformation->Entries()[3].AdapterName[0], L'\0');
   EXPECT_TRUE(IsZero(gPathInformation->Entries()[4]));
-}
-
-TEST_F(PathInformationTest, Failures) {
-  struct Row {
-    const char* fault;
-    bool result;
-    const char* message;
-  };
-  const Row rows[] = {
-      {R"({"operation": "ConnectServer", "occurrence": 2, "give": "failed"})", false,
-       "Unable to initialize WMI connection.\n"},
-      {R"({"operation": "GetObject", "target": "MPIO_PATH_INFORMATION", "give": "not found"})", false,
-       "Bus connection failed getting MPIO_PATH_INFORMATION info,wmiReturn=3 \n"},
-      {R"({"operation": "Clone", "target": "MPIO_PATH_INFORMATION", "give": "failed"})", false,
-       "failed initializing MPIO_PATH_INFORMATION enumerator,wmiReturn=1 \n"},
-      {R"({"operation": "Next", "target": "MPIO_PATH_INFORMATION", "give": "end"})", false,
-       "failed retrieving MPIO_PATH_INFORMATION NumberPaths element,wmiReturn=5 \n"},
-      {R"({"operation": "AllocateStore", "target": "gPathInformation", "give": "out of memory"})", true,
-       "Unable to malloc memory for Path Information - Cannot allocate memory!\n"},
-      {R"({"operation": "Get", "target": "MPIO_PATH_INFORMATION.PathList", "give": "failed"})", true,
-       "Unable to initialize enumerator for adapter information - "},
-      {R"({"operation": "GetObject", "target": "MPIO_ADAPTER_INFORMATION", "give": "failed"})", true,
-       "Unable to initialize enumerator for adapter information - "},
-      {R"({"operation": "Get", "target": "BusNumber", "occurrence": 1, "give": "failed"})", true, ""},
-  };
-  for (const Row& row : rows) {
-    Open("[" + std::string(row.fault) + "]");
-    const std::string printed = Capture([&row] { EXPECT_EQ(ReadPathInformation(), row.result) << row.fault; }).err;
-    EXPECT_EQ(printed.substr(0, std::string(row.message).size()), row.message) << row.fault;
-    EXPECT_EQ(std::count(printed.begin(), printed.end(), '\n'), *row.message == '\0' ? 0 : 1) << row.fault;
-    EXPECT_EQ(gDsmChannel->connection.IsConnected(), 0) << row.fault;
-  }
-}
-
-TEST_F(PathInformationTest, ACountBeyondAllMemoryIsAnAllocationFailure) {
-  numberPaths = 0xFFFFFFFFU;
-  Open();
-  const CapturedOutput captured = Capture([] { EXPECT_TRUE(ReadPathInformation()); });
-  EXPECT_EQ(captured.err, "Unable to malloc memory for Path Information - Cannot allocate memory!\n");
-  EXPECT_EQ(gPathInformation, nullptr);
 }
 
 } // namespace
