@@ -11,6 +11,11 @@ namespace {
 
 constexpr CategoryTrace kTrace{WmiLayerTrace::kEnumerator};
 
+/// Whether a caller's value of that type is itself an interface or an array.
+bool TakesPointer(std::uint32_t cimType) {
+  return cimType == CIM_OBJECT || cimType == kCimObjectArray;
+}
+
 } // namespace
 
 wmiReturn OrbWmiEnumerator::GetProperty(const wchar_t* name, void* buffer, std::uint32_t length) {
@@ -51,6 +56,10 @@ wmiReturn OrbWmiEnumerator::SetProperty(const wchar_t* name, const void* value, 
   HRESULT result = m_ClassObjectInstance->Get(name, 0, before.put(), &cimType, nullptr);
   if (FAILED(result)) {
     kTrace.Error("WMIRequestFailed(Get)-SetProperty.  Error 0x%x\n", Hex(result));
+    return kWmiRequestFailed;
+  }
+  if (TakesPointer(static_cast<std::uint32_t>(cimType)) && length != sizeof(void*)) {
+    // The class declares an object where the caller has a plain value, which must not be taken for an address.
     return kWmiRequestFailed;
   }
   VARIANT written = before.get();

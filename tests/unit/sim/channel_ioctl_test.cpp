@@ -205,6 +205,15 @@ TEST_F(IoctlTest, RunsTheMethodWithoutAnInputThatCannotBeBuilt) {
   PutAddress(holder, nullptr);
   EXPECT_EQ(Ioctl(0x4DF3, &holder), kIoctlSucceeded) << "address 0";
   EXPECT_TRUE(received.IsNull());
+
+  // A class that declares objects where plain values are due must not have these taken for addresses.
+  for (const CIMTYPE type : {CIMTYPE{CIM_OBJECT}, CIMTYPE{CIM_OBJECT | CIM_FLAG_ARRAY}}) {
+    Classes().RemoveClass(L"VRXDSM_INPUT_ARGUMENTS");
+    AddPlainClass(L"VRXDSM_INPUT_ARGUMENTS", {simhost::Property(L"argType", type)});
+    PutAddress(holder, &record);
+    EXPECT_EQ(Ioctl(0x4DF3, &holder), kIoctlSucceeded);
+    EXPECT_TRUE(received.IsNull());
+  }
 }
 
 TEST_F(IoctlTest, LeavesNoObjectBehindWhenTheMethodFails) {
