@@ -62,3 +62,11 @@ function(korvex_link_machine target)
     target_link_libraries(${target} PRIVATE -Wl,--start-group simhost korvex_platform -Wl,--end-group)
   endif()
 endfunction()
+
+# The program that writes large host descriptions.
+function(korvex_makehost)
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/simhost/makehost/*.cpp")
+  add_executable(makehost ${sources})
+  korvex_compile_options(makehost)
+  korvex_link_machine(makehost)
+endfunction()
