@@ -68,6 +68,7 @@ void ReadRecordKeys(Members& keys, RecordModel& record) {
 CongestionModel ReadCongestion(const Node& congestion) {
   CongestionModel model;
   ReadMembers(congestion, [&model](Members& keys) {
+    model.present = FlagByte(keys["present"], 1);
     model.start = keys["start"].Unsigned<std::uint32_t>(0, kMax32, 0);
     model.intervals = keys["intervals"].Unsigned<std::uint32_t>(0, kMax32, 0);
     model.ioExceeded = keys["ioExceeded"].Unsigned<std::uint32_t>(0, kMax32, 0);
@@ -131,6 +132,7 @@ LunPathModel ReadLunPath(const Node& path, const LunPathModel& like) {
     model.deviceInfo[0] = keys["deviceInfo"].Unsigned<std::uint64_t>(0, kMax64, model.deviceInfo[0]);
     model.deviceInfo[1] = keys["deviceInfoRest"].Unsigned<std::uint64_t>(0, kMax64, model.deviceInfo[1]);
     model.weight = keys["weight"].Unsigned<std::uint8_t>(0, 255, 0);
+    model.addressLength = keys["addressLength"].Unsigned<std::uint32_t>(0, kMax32, model.addressLength);
     model.port = keys["port"].Unsigned<std::uint8_t>(0, 255, model.port);
     model.path = keys["path"].Unsigned<std::uint8_t>(0, 255, model.path);
     model.target = keys["target"].Unsigned<std::uint8_t>(0, 255, model.target);
@@ -147,11 +149,29 @@ LunPathModel ReadLunPath(const Node& path, const LunPathModel& like) {
   return model;
 }
 
+/// How many paths of each controller a LUN is reached through by default: all, or where that is more than a LUN can
+/// have, as even a share of each as there is.
+std::vector<std::size_t> PathShares(const ArrayModel& array) {
+  std::vector<std::size_t> shares(array.controllers.size());
+  std::size_t left = kPathSlots;
+  for (std::size_t place = 0; place < kPathSlots; ++place) {
+    for (std::size_t controller = 0; controller < shares.size() && left != 0; ++controller) {
+      if (place < array.controllers[controller].paths.size()) {
+        ++shares[controller];
+        --left;
+      }
+    }
+  }
+  return shares;
+}
+
 /// A LUN is reached through every path of every controller unless its paths are described.
 std::vector<LunPathModel> DefaultLunPaths(const ArrayModel& array, std::size_t lunIndex) {
   std::vector<LunPathModel> paths;
-  for (const ControllerModel& controller : array.controllers) {
-    for (std::size_t place = 0; place < controller.paths.size() && paths.size() < kPathSlots; ++place) {
+  const std::vector<std::size_t> shares = PathShares(array);
+  for (std::size_t index = 0; index < shares.size(); ++index) {
+    const ControllerModel& controller = array.controllers[index];
+    for (std::size_t place = 0; place < shares[index]; ++place) {
       LunPathModel path;
       path.id = controller.paths[place].id;
       path.extension = controller.paths[place].extension;
@@ -194,6 +214,13 @@ void ReadOwnership(Members& keys, const ArrayModel& array, std::size_t index, Lu
   lun.ownerSerial = keys["ownerSerial"].NarrowText(10, SerialOf(array, lun.owner));
 }
 
+/// The disk's number with as much of "MPIO Disk" as the field of 10 characters has room for.
+std::string DefaultDisk(std::size_t index) {
+  const std::string number = std::to_string(index);
+  static constexpr const char* kNames[] = {"MPIO Disk", "MPIO Dsk", "MPIO D"};
+  return kNames[std::min<std::size_t>(number.size(), 3) - 1] + number;
+}
+
 LunModel ReadLun(const Node& lun, const ArrayModel& array, std::size_t index) {
   LunModel model;
   ReadMembers(lun, [&](Members& keys) {
@@ -208,7 +235,7 @@ LunModel ReadLun(const Node& lun, const ArrayModel& array, std::size_t index) {
     model.persistThroughPowerLoss = FlagByte(keys["persistThroughPowerLoss"], 0);
     model.persistSent = keys["persistSent"].Unsigned<std::uint8_t>(0, 255, 0);
     ReadOwnership(keys, array, index, model);
-    model.disk = keys["disk"].NarrowText(10, Formatted("MPIO Disk%u", static_cast<unsigned>(index), 0).substr(0, 10));
+    model.disk = keys["disk"].NarrowText(10, DefaultDisk(index));
     model.throttled = FlagByte(keys["throttled"], 0);
     model.groupThrottled = FlagByte(keys["groupThrottled"], 0);
     model.internalState = keys["internalState"].Unsigned<std::uint32_t>(0, kMax32, 0);

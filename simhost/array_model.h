@@ -17,7 +17,8 @@ struct RecordModel {
 };
 
 struct CongestionModel {
-  std::uint32_t start = 0; ///< seconds since 1970-01-01 00:00:00 UTC
+  std::uint8_t present = 1; ///< what says that the rest counts
+  std::uint32_t start = 0;  ///< seconds since 1970-01-01 00:00:00 UTC
   std::uint32_t intervals = 0;
   std::uint32_t ioExceeded = 0;
   std::uint32_t population = 0;
@@ -51,6 +52,7 @@ struct LunPathModel {
   std::optional<std::uint8_t> previous;  ///< follows the state unless given
   std::uint64_t deviceInfo[2] = {0, 0};
   std::uint8_t weight = 0;
+  std::uint32_t addressLength = 8;
   std::uint8_t port = 0;
   std::uint8_t path = 0;
   std::uint8_t target = 0;
@@ -99,7 +101,7 @@ inline constexpr std::uint8_t kUnusedSlot = 255;
 struct ArrayModel : RecordModel {
   std::uint8_t id = 0;
   std::string wwn;   ///< 32 bytes
-  std::wstring name; ///< written whole up to the interface codes and beyond when it is too long for its room
+  std::wstring name; ///< 29 units; what is longer is cut, without terminator
   std::array<std::uint8_t, 2 * kPathSlots> interfaceTypes = {};
   std::uint8_t extendedPathRecovery = 0;
   std::uint8_t utmLunEnabled = 0;

@@ -44,7 +44,7 @@ constexpr std::size_t kLunPathsOffset = 142;
 constexpr std::size_t kLunPathSize = 62;
 
 void WriteControllerPath(RecordWriter& record, std::size_t at, const ControllerPathModel& path) {
-  record.Byte(at, path.congestion ? 1 : 0);
+  record.Byte(at, path.congestion ? path.congestion->present : 0);
   record.Byte(at + 1, path.state);
   record.Byte(at + 2, path.interfaceType);
   if (path.congestion) {
@@ -73,7 +73,7 @@ void WriteLunPath(RecordWriter& record, std::size_t at, const LunPathModel& path
   record.Number(at + 13, 8, path.deviceInfo[0]);
   record.Number(at + 21, 8, path.deviceInfo[1]);
   record.Byte(at + 29, path.weight);
-  record.Number(at + 32, 4, 8);
+  record.Number(at + 32, 4, path.addressLength);
   record.Byte(at + 36, path.port);
   record.Byte(at + 37, path.path);
   record.Byte(at + 38, path.target);
@@ -147,6 +147,8 @@ std::vector<std::uint8_t> LunRecord(const LunModel& lun, std::uint8_t owner) {
   record.Number(132, 4, lun.internalState);
   record.Number(136, 4, lun.tas);
   record.Byte(140, lun.alb);
+  // The number of a LUN stands in its first path, which a LUN without paths has empty otherwise.
+  record.Byte(kLunPathsOffset + 39, lun.number);
   for (std::size_t index = 0; index < std::min(lun.paths.size(), kPathSlots); ++index) {
     WriteLunPath(record, kLunPathsOffset + kLunPathSize * index, lun.paths[index], lun, owner);
   }

@@ -24,7 +24,7 @@ void BuildDrivers(const Node& dsms, Host& host) {
     CimClass methods = DriverMethodsClass(driver);
     const std::shared_ptr<Provider> provider = std::make_shared<DriverProvider>(host, std::move(driver));
     if (!host.repository.AddClass(std::move(methods), provider)) {
-      node.Refuse("a DSM whose methods class no other DSM has");
+      node.Refuse("a DSM whose methods class no other class of the host has");
     }
   }
 }

@@ -19,12 +19,12 @@ constexpr std::size_t kMaxVersionLength = 4096;
 constexpr std::size_t kMaxAnswers = 1000;
 constexpr CIMTYPE kBytes = CIM_UINT8 | CIM_FLAG_ARRAY;
 
-/// A text, null, or {"bytes": ...} for a byte array.
+/// A text (also {"units": ...}), null, or {"bytes": ...} for a byte array.
 VersionAnswer ReadAnswer(const Node& answer) {
   if (answer.IsNull()) {
     return {CimValue(), CIM_STRING};
   }
-  if (answer.Value()->IfObject() == nullptr) {
+  if (answer.Value()->IfObject() == nullptr || answer.Value()->Find("units") != nullptr) {
     return {CimValue(answer.Text(kMaxVersionLength)), CIM_STRING};
   }
   VersionAnswer bytes{CimValue(), kBytes};
