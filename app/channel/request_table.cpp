@@ -8,9 +8,14 @@ namespace {
 
 const RequestCallbacks* gCallbacks = nullptr;
 
-/// Passes the request on to the room above; a failure while that is not connected.
+// These pass a request on to the room above; a failure while that is not connected.
+
 std::uint32_t CollectThroughConnection(std::uint32_t requestCode, void* argument, OrbWmiVariant& output) {
   return gCallbacks == nullptr ? 1 : gCallbacks->collectDsmArrayInfo(requestCode, argument, output);
+}
+
+std::uint32_t GetRdacInfoThroughConnection(std::uint32_t requestCode, void* argument, OrbWmiVariant& output) {
+  return gCallbacks == nullptr ? 1 : gCallbacks->getRdacInfo(requestCode, argument, output);
 }
 
 constexpr RequestTableEntry kRequestTable[] = {
@@ -30,7 +35,7 @@ constexpr RequestTableEntry kRequestTable[] = {
     {request::kGetMaxModulesSupported, L"VrxGetMaxModulesSupported", nullptr, L"MaxModules", nullptr},
     {request::kGetMaxPathsSupported, L"VrxGetMaxPathsSupported", nullptr, L"MaxPaths", nullptr},
     {request::kGetMaxLunsSupported, L"VrxGetMaxLunsSupported", nullptr, L"MaxLuns", nullptr},
-    {request::kGetRdacInfo, nullptr, nullptr, nullptr, nullptr},
+    {request::kGetRdacInfo, nullptr, nullptr, nullptr, &GetRdacInfoThroughConnection},
     {request::kGetModuleInfo, L"VrxGetModuleInfo", L"ModuleId", L"ModuleInfo", nullptr},
     {request::kGetControllerInfo, L"VrxGetControllerInfo", L"ModuleId", L"ControllerInfo", nullptr},
     {request::kGetDiskInfo, L"VrxGetDiskInfo", L"ModuleId", L"DiskInfo", nullptr},

@@ -28,6 +28,7 @@ const RequestTableEntry* FindRequest(std::uint32_t code);
 /// What of the higher rooms the request table calls. A reference each, so that a missing one does not compile.
 struct RequestCallbacks {
   RequestCallback& collectDsmArrayInfo;
+  RequestCallback& getRdacInfo;
 };
 /// Connects the table with the higher rooms; once, before the first request. `callbacks` must live for the whole run.
 void ConnectRequestTable(const RequestCallbacks& callbacks);

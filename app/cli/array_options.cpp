@@ -4,10 +4,16 @@
 #include "app/cli/console/numeric_input.h"
 #include "app/cli/console/print.h"
 #include "app/cli/console/run_state.h"
+#include "app/cli/console/trace.h"
+#include "app/inventory/gen1_inventory.h"
 #include "app/inventory/gen2_inventory.h"
+#include "app/inventory/limits.h"
 #include "app/report/host_header.h"
+#include "app/report/rdac_report.h"
+#include "app/report/summary_listing.h"
 
 #include <cstring>
+#include <optional>
 
 namespace korvex {
 
@@ -51,12 +57,7 @@ void ReportSelectedArray(const CommandLine& commandLine) {
   GetDsmArrayInfo();
 }
 
-} // namespace
-
-std::int32_t ReportArrays(const CommandLine& commandLine, std::int32_t status) {
-  if (InterfaceGeneration() != 2) {
-    return status;
-  }
+std::int32_t ReportArraysV2(const CommandLine& commandLine, std::int32_t status) {
   if (gOptionArgument == nullptr) {
     gSelectionMode = kAllArrays;
     if (BeginReport()) {
@@ -71,12 +72,69 @@ std::int32_t ReportArrays(const CommandLine& commandLine, std::int32_t status) {
   return status;
 }
 
+/// The module id of the first module with this name.
+std::optional<std::uint32_t> FindModule(const char* name) {
+  for (std::uint32_t id = 0; id < MaxArrayModules; ++id) {
+    if (utilGetTargetName(id) == 1 && std::strcmp(gModuleName, name) == 0) {
+      TracePrint("found the matching module %d\n", static_cast<int>(id));
+      return id;
+    }
+  }
+  return std::nullopt;
+}
+
+/// The report of one module in interface generation 1: 1, or 0 when it could not be fetched.
+std::int32_t ReportModule(std::uint32_t moduleId) {
+  RdacInfoRequest request;
+  if (GetRdacInfoForTarget(moduleId, request) != 1) {
+    return 0;
+  }
+  PrintHostHeader();
+  PrintRdacInfo(request);
+  return 1;
+}
+
+std::int32_t ReportModuleByName(const char* name) {
+  if (gModuleName == nullptr || gModuleWWN == nullptr) {
+    const int made = InitModuleArrays();
+    if (made != 1) {
+      TracePrint("failure in initialization of Module Array.\n");
+      return made;
+    }
+  }
+  TracePrint("string passed = %s\n", name);
+  const std::optional<std::uint32_t> moduleId = FindModule(name);
+  if (moduleId) {
+    return ReportModule(*moduleId);
+  }
+  PrintError("Array Name '%s' not found.\n", name);
+  ListArrayModules();
+  return 0;
+}
+
+} // namespace
+
+std::int32_t ReportArrays(const CommandLine& commandLine, std::int32_t status) {
+  if (InterfaceGeneration() == 2) {
+    return ReportArraysV2(commandLine, status);
+  }
+  if (gOptionArgument != nullptr) {
+    return ReportModuleByName(gOptionArgument);
+  }
+  PrintHostHeader();
+  ListArrayModules();
+  return status;
+}
+
 std::int32_t ReportArrayById(const CommandLine& commandLine, std::int32_t status) {
   if (IsValidInteger(gOptionArgument) != 1) {
     PrintError("This option accepts only valid integers.\n");
     return status;
   }
-  if (InterfaceGeneration() == 2 && BeginReport()) {
+  if (InterfaceGeneration() != 2) {
+    return ReportModule(LeadingDecimal(gOptionArgument));
+  }
+  if (BeginReport()) {
     SelectById(gOptionArgument);
     ReportSelectedArray(commandLine);
   }

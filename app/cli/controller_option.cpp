@@ -5,6 +5,7 @@
 #include "app/cli/console/run_state.h"
 #include "app/cli/console/trace.h"
 #include "app/cli/usage.h"
+#include "app/inventory/gen1_inventory.h"
 #include "app/inventory/gen2_inventory.h"
 #include "app/report/host_header.h"
 
@@ -65,7 +66,7 @@ ControllerWord SplitControllerWord(char* word, std::uint32_t& controllerIndex) {
   return ControllerWord::kGood;
 }
 
-std::int32_t ReportController(const CommandLine&, std::int32_t status) {
+std::int32_t ReportController(const CommandLine&, std::int32_t) {
   std::uint32_t controllerIndex = 0;
   if (gOptionArgument == nullptr) {
     PrintUsage();
@@ -86,7 +87,7 @@ std::int32_t ReportController(const CommandLine&, std::int32_t status) {
   TracePrint("array_wwn: '%s'\n", gOptionArgument);
   TracePrint("controllerIndex: '%d'\n", static_cast<int>(controllerIndex));
   if (InterfaceGeneration() != 2) {
-    return status;
+    return ListControllerLunsRdac(gOptionArgument, controllerIndex);
   }
   ListSelectedController(gOptionArgument, controllerIndex);
   return 1;

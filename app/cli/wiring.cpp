@@ -1,6 +1,7 @@
 #include "app/cli/wiring.h"
 
 #include "app/channel/request_table.h"
+#include "app/inventory/gen1_inventory.h"
 #include "app/inventory/gen2_inventory.h"
 #include "app/report/summary_listing.h"
 
@@ -10,6 +11,7 @@ namespace {
 
 constexpr RequestCallbacks kRequestCallbacks = {
     .collectDsmArrayInfo = CollectDsmArrayInfo,
+    .getRdacInfo = GetRdacInfo,
 };
 
 constexpr CollectionOutputs kCollectionOutputs = {

@@ -80,7 +80,8 @@ RdacPath* RdacInfo::Path(std::uint32_t controller, std::uint32_t path) {
   if (controller >= kControllers || path >= m_maxPaths) {
     return nullptr;
   }
-  return static_cast<RdacPath*>(At(ControllerOffset(controller) + RoomOf<RdacController>() + path * RoomOf<RdacPath>()));
+  return static_cast<RdacPath*>(
+      At(ControllerOffset(controller) + RoomOf<RdacController>() + path * RoomOf<RdacPath>()));
 }
 
 RdacDriveInfo* RdacInfo::DriveInfo(std::uint32_t lun, std::uint32_t controller) {

@@ -1,10 +1,15 @@
 #include "app/report/summary_listing.h"
 
 #include "app/channel/channel.h"
+#include "app/channel/ioctl.h"
+#include "app/channel/request_codes.h"
 #include "app/cli/console/print.h"
 #include "app/cli/console/run_state.h"
+#include "app/cli/console/trace.h"
+#include "app/inventory/gen1_inventory.h"
 #include "app/inventory/gen2_stores.h"
 #include "app/inventory/limits.h"
+#include "app/inventory/owned_store.h"
 #include "app/inventory/wwn_text.h"
 #include "app/report/interface_type_name.h"
 
@@ -29,9 +34,9 @@ void PrintWwn() {
     std::copy_n(gModuleWWN, characters.size(), characters.begin());
     PrintWwnCharacters(characters);
   } else {
-    for (const std::uint8_t byte : std::span(gModuleWWN, 16)) {
-      Print("%02x", byte);
-    }
+    WwnBytes bytes;
+    std::copy_n(gModuleWWN, bytes.size(), bytes.begin());
+    PrintWwnBytes(bytes);
   }
   Print(" ");
 }
@@ -60,6 +65,24 @@ void PrintInterfaces(std::span<const std::uint8_t> codes) {
   }
 }
 
+/// The row of the array whose name and WWN stand in slot 0 of the module tables.
+void PrintRow(std::uint32_t id, std::span<const std::uint8_t> interfaceTypes) {
+  Print("%2u ", static_cast<unsigned>(id));
+  PrintWwn();
+  PrintInterfaces(interfaceTypes);
+  Print("%s     ", gModuleName);
+  Print("\n");
+}
+
+/// One row per module that can be read.
+void PrintModuleRows(std::span<std::uint8_t> interfaceTypes) {
+  for (std::uint32_t id = 0; id < MaxArrayModules; ++id) {
+    if (utilGetTargetName(id, interfaceTypes) != 0) {
+      PrintRow(id, interfaceTypes);
+    }
+  }
+}
+
 } // namespace
 
 void PrintListingHead() {
@@ -78,16 +101,35 @@ bool PrintArraySummaryRow() {
   if (gModuleWWN == nullptr) {
     return false;
   }
-  Print("%2u ", static_cast<unsigned>(gSelectedArrayId));
-  PrintWwn();
-  PrintInterfaces(std::span(gInterfaceTypes, kInterfaceTypesCapacity));
-  Print("%s     ", gModuleName);
-  Print("\n");
+  PrintRow(gSelectedArrayId, std::span(gInterfaceTypes, kInterfaceTypesCapacity));
   return true;
 }
 
 void PrintListingClosingRule() {
   PrintRule();
+}
+
+int ListArrayModules() {
+  if (gModuleName == nullptr || gModuleWWN == nullptr) {
+    const int status = InitModuleArrays();
+    if (status != 1) {
+      TracePrint("failure in initialization of Module Array.\n");
+      return status;
+    }
+  }
+  if (gUtilMaxPaths == kUnknownLimit) {
+    Ioctl(request::kGetMaxPathsSupported, &gUtilMaxPaths);
+  }
+  const std::uint64_t slots = 2 * std::uint64_t{gUtilMaxPaths};
+  const OwnedStore interfaceTypes = MakeStore("interfaceTypes", slots);
+  if (interfaceTypes == nullptr) {
+    TracePrint("Could not allocate memory for interface type array.\n");
+    return 0;
+  }
+  PrintListingHead();
+  PrintModuleRows(std::span(interfaceTypes.get(), slots));
+  PrintListingClosingRule();
+  return 1;
 }
 
 } // namespace korvex

@@ -9,4 +9,8 @@ bool PrintArraySummaryRow();
 /// The rule below the last row.
 void PrintListingClosingRule();
 
+/// The whole listing in interface generation 1; 1, 0 when its memory cannot be had, -1 when the channel cannot be
+/// opened.
+int ListArrayModules();
+
 } // namespace korvex

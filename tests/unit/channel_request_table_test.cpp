@@ -50,7 +50,7 @@ TEST(RequestTable, LeadsTheCollectionToTheConnectedRoom) {
   const RequestTableEntry* row = FindRequest(0x4DF2);
   ASSERT_NE(row, nullptr);
 
-  static constexpr RequestCallbacks kCallbacks = {Collect};
+  static constexpr RequestCallbacks kCallbacks = {Collect, Collect};
   ConnectRequestTable(kCallbacks);
   EXPECT_EQ(row->callback(0x4DF2, &record, output), 7U);
   EXPECT_EQ(gCollectedCode, 0x4DF2U);

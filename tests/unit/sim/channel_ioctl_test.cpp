@@ -253,8 +253,8 @@ TEST_F(IoctlTest, TouchesNothingForCodesThatCannotBeSent) {
   Open();
   gTraceEnabled = true;
   EXPECT_EQ(Capture([] { EXPECT_EQ(Ioctl(0x4D04, nullptr), kIoctlFailed); }).err, "Ioctl(0x4d04)\n");
-  EXPECT_EQ(Capture([] { EXPECT_EQ(Ioctl(0x4D03, nullptr), kIoctlFailed); }).err,
-            "Ioctl(0x4d03)\nioctl return (0xffffffff)\n");
+  EXPECT_EQ(Capture([] { EXPECT_EQ(Ioctl(0x4D0C, nullptr), kIoctlFailed); }).err,
+            "Ioctl(0x4d0c)\nioctl return (0xffffffff)\n");
   EXPECT_EQ(calls, 0);
 
   End();
@@ -283,7 +283,7 @@ std::uint32_t NestedRequest(std::uint32_t requestCode, void* argument, OrbWmiVar
 }
 
 TEST_F(IoctlTest, LetsCallbacksSendRequestsAndDecide) {
-  static constexpr RequestCallbacks kCallbacks = {NestedRequest};
+  static constexpr RequestCallbacks kCallbacks = {NestedRequest, NestedRequest};
   ConnectRequestTable(kCallbacks);
   const struct {
     std::uint32_t status;
