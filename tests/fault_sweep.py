@@ -19,7 +19,6 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent / "transcripts"))
 from runner.audit import audit_problems
 from runner.launch import Launcher
 from runner.scene import Scene
-from runner.transcript import Setting
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 WWN = "60a1b2c3000d4e5f0000000000000a01"
@@ -44,60 +43,43 @@ def occurrences(count):
     return [n for n in range(1, count + 1) if count <= 12 or n <= 4 or n > count - 2 or n % 7 == 0]
 
 
-def codes(operation):
-    if operation in PLAIN:
-        return [WIN32_FAILED]
-    return [FAILED, DENIED] + (["nothing"] if operation in HANDING_OUT else [])
-
-
 def rules(operation, count):
-    kinds = codes(operation)
-    once = [{"operation": operation, "occurrence": n, "give": kinds[n % len(kinds)]} for n in occurrences(count)]
-    return once + [{"operation": operation, "give": code} for code in kinds] + [{"operation": operation, "delay": 7000}]
+    codes = [WIN32_FAILED] if operation in PLAIN else [FAILED, DENIED]
+    codes += ["nothing"] if operation in HANDING_OUT else []
+    once = [{"operation": operation, "occurrence": n, "give": codes[n % len(codes)]} for n in occurrences(count)]
+    return once + [{"operation": operation, "give": code} for code in codes] + [{"operation": operation, "delay": 7000}]
 
 
-class Sweep:
-    def __init__(self, binary, work):
-        self._launcher = Launcher(binary)
-        self._work = pathlib.Path(work)
-
-    def run(self, name, words, rule):
-        """One run; gives the host's account and what is wrong with the run."""
-        scene = Scene(self._work / name, self._launcher, [ROOT / "hosts"])
-        scene.apply(Setting(0, "host", "two-healthy-arrays"))
-        scene.apply(Setting(0, "patch", {"faults": [rule] if rule else []}))
-        scene.start_audit()
-        outcome = self._launcher.run_apart(scene.directory, words, b"", 60)
-        accounts = scene.read_audit()
-        problems = audit_problems(accounts)
-        if outcome.status not in STATUSES:
-            problems.append(f"exit {outcome.status}")
-        if b"Sanitizer" in outcome.errors or b"runtime error:" in outcome.errors:
-            problems.append(outcome.errors.decode(errors="replace"))
-        return (accounts[0] if accounts else {"calls": {}}), problems
-
-    def check(self, job):
-        number, words, rule = job
-        _, problems = self.run(f"run-{number}-{os.getpid()}", words, rule)
-        return [f"{' '.join(words)} with {json.dumps(rule)}: {problem}" for problem in problems]
+def run(launcher, work, name, words, rule):
+    """One run; gives how often each operation was called and what is wrong with the run."""
+    scene = Scene(work / name, launcher, [ROOT / "hosts"])
+    scene.apply("host", "two-healthy-arrays")
+    scene.apply("patch", json.dumps({"faults": [rule] if rule else []}))
+    outcome, accounts = scene.run(words)
+    problems = audit_problems(accounts)
+    if outcome.status not in STATUSES:
+        problems.append(f"exit {outcome.status}")
+    if "Sanitizer" in outcome.errors or "runtime error:" in outcome.errors:
+        problems.append(outcome.errors)
+    return (accounts[0]["calls"] if accounts else {}), [f"{' '.join(words)} with {rule}: {text}" for text in problems]
 
 
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--binary", required=True)
-    parser.add_argument("--work", required=True)
+    parser.add_argument("--work", required=True, type=pathlib.Path)
     options = parser.parse_args()
-    sweep = Sweep(options.binary, options.work)
+    launcher = Launcher(options.binary, timeout=60)
 
     jobs = []
     for words in COMMAND_LINES:
-        account, problems = sweep.run("count", words, None)
-        if problems or not account["calls"]:
-            sys.exit(f"{' '.join(words)} without faults: {problems or 'no calls'}")
-        jobs += [(words, rule) for operation, count in account["calls"].items() for rule in rules(operation, count)]
-    numbered = [(number, words, rule) for number, (words, rule) in enumerate(jobs)]
+        calls, problems = run(launcher, options.work, "count", words, None)
+        if problems or not calls:
+            sys.exit("\n".join(problems) or f"{' '.join(words)} calls nothing")
+        jobs += [(words, rule) for operation, count in calls.items() for rule in rules(operation, count)]
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        problems = [problem for found in pool.map(sweep.check, numbered) for problem in found]
+        runs = [pool.submit(run, launcher, options.work, f"run-{n}", *job) for n, job in enumerate(jobs)]
+        problems = [problem for ended in runs for problem in ended.result()[1]]
     print("\n".join(problems) if problems else f"{len(jobs)} runs with faults ended as they should")
     sys.exit(1 if problems else 0)
 

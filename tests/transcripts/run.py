@@ -9,34 +9,18 @@ import shutil
 import sys
 
 from runner.audit import audit_problems
-from runner.compare import problems_of
+from runner.compare import problems_of, run_twice
 from runner.launch import Launcher
-from runner.notation import NotationError
-from runner.parse import TranscriptError, parse
-from runner.replay import replay
+from runner.notation import TranscriptError
 from runner.rewrite import block_of
-from runner.scene import SceneError
-from runner.transcript import STANDARD_ERROR, STANDARD_OUTPUT
+from runner.scene import Scene
+from runner.transcript import Command, parse
 
 HERE = pathlib.Path(__file__).resolve().parent
 ROOT = HERE.parents[1]
-SUFFIX = ".transcript"
 
 
 def main():
-    options = read_options()
-    files = [file for path in options.paths for file in transcripts_at(path)]
-    if not files:
-        sys.exit("no transcript found")
-    launcher = Launcher(options.binary)
-    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
-        good = list(pool.map(lambda file: handle(file, launcher, options), files))
-    if len(files) > 1:
-        print(f"{sum(good)} of {len(files)} transcripts hold")
-    sys.exit(0 if all(good) else 1)
-
-
-def read_options():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("paths", nargs="*", type=pathlib.Path, default=[HERE], metavar="FILE",
                         help="transcripts or directories of transcripts (default: all)")
@@ -46,41 +30,57 @@ def read_options():
     parser.add_argument("--work", type=pathlib.Path, default=ROOT / "build/transcripts",
                         help="where the program runs; what a failed transcript left stays there")
     parser.add_argument("--printed", type=pathlib.Path, help="a directory to add all that was printed to")
+    parser.add_argument("--timeout", type=float, default=20, help="how many seconds a command may take")
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--rewrite", action="store_true",
                         help="make what the program does now what is expected, after showing the difference")
     options = parser.parse_args()
     if options.rewrite and options.paths == [HERE]:
         parser.error("--rewrite needs the transcripts to be named")
-    return options
+    files = [file for path in options.paths for file in (sorted(path.rglob("*.transcript")) if path.is_dir() else [path])]
+    if not files:
+        sys.exit("no transcript found")
+    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
+        good = list(pool.map(lambda file: handle(file, options), files))
+    if len(files) > 1:
+        print(f"{sum(good)} of {len(files)} transcripts hold")
+    sys.exit(0 if all(good) else 1)
 
 
-def transcripts_at(path):
-    return sorted(path.rglob("*" + SUFFIX)) if path.is_dir() else [path]
-
-
-def handle(file, launcher, options):
+def handle(file, options):
     """Replays one transcript; True when it holds. Output comes in one piece, as several run at once."""
     try:
-        report = rewrite(file, launcher, options) if options.rewrite else check(file, launcher, options)
-    except (TranscriptError, SceneError, NotationError) as error:
+        report = rewrite(file, options) if options.rewrite else check(file, options)
+    except TranscriptError as error:
         report = [f"{file}:{error}"]
+        print(*report, sep="\n", flush=True)
+        return False
     if report:
         print("\n".join(report), flush=True)
     return not report or options.rewrite
 
 
-def runs_of(file, launcher, options):
-    """Each command of a transcript with what came of it."""
+def runs_of(file, options):
+    """Each command of a transcript with its case and what came of it."""
     place = options.work / name_of(file)
     shutil.rmtree(place, ignore_errors=True)
+    launcher = Launcher(options.binary, options.timeout)
     for number, case in enumerate(parse(file.read_text())):
-        if not case.commands():
-            raise TranscriptError(f"case '{case.title}' runs nothing")
-        for command, run in replay(case, launcher, place / str(number), options.hosts):
+        scenes = [Scene(place / str(number) / name, launcher, options.hosts) for name in ("apart", "together")]
+        for step in case.steps:
+            try:
+                if isinstance(step, Command):
+                    run = run_twice(step, *scenes)
+                else:
+                    for scene in scenes:
+                        scene.apply(step.word, step.text, step.content)
+                    continue
+            except TranscriptError as error:
+                raise TranscriptError(f"{step.line}: {error}") from error
             if options.printed:
-                keep_printed(options.printed / name_of(file), run)
-            yield case, command, run
+                keep_printed(f"{options.printed / name_of(file)}.stdout", run.apart.output)
+                keep_printed(f"{options.printed / name_of(file)}.stderr", run.apart.errors)
+            yield case, step, run
 
 
 def name_of(file):
@@ -88,15 +88,14 @@ def name_of(file):
     return str(path.relative_to(HERE)).replace("/", ".") if path.is_relative_to(HERE) else path.name
 
 
-def keep_printed(path, run):
-    for stream, suffix in ((STANDARD_OUTPUT, ".stdout"), (STANDARD_ERROR, ".stderr")):
-        with open(f"{path}{suffix}", "a", encoding="latin-1", newline="") as kept:
-            kept.write(run.streams[stream] + "\n")
+def keep_printed(path, text):
+    with open(path, "a", encoding="latin-1", newline="") as kept:
+        kept.write(text + "\n")
 
 
-def check(file, launcher, options):
+def check(file, options):
     report = []
-    for case, command, run in runs_of(file, launcher, options):
+    for case, command, run in runs_of(file, options):
         problems = problems_of(command, run)
         if problems:
             title = f" ({case.title})" if case.title else ""
@@ -106,18 +105,16 @@ def check(file, launcher, options):
     return report
 
 
-def rewrite(file, launcher, options):
+def rewrite(file, options):
     before = file.read_text().splitlines()
-    after = []
-    leaks = []
+    after, leaks = [], []
     copied = 0
-    for _, command, run in runs_of(file, launcher, options):
-        if None in (run.status, run.status_together):
+    for _, command, run in runs_of(file, options):
+        if None in (run.apart.status, run.together.status):
             raise TranscriptError(f"{command.line}: it took too long")
-        after += before[copied:command.first] + block_of(command, run, before)
+        after += before[copied:command.line - 1] + block_of(command, run, before[command.line - 1])
         copied = command.last
-        if run.audited:
-            leaks += [f"{file}:{command.line}: {problem}" for problem in audit_problems(run.accounts)]
+        leaks += [f"{file}:{command.line}: {problem}" for problem in audit_problems(run.accounts)]
     after += before[copied:]
     file.write_text("\n".join(after) + "\n")
     return list(difflib.unified_diff(before, after, f"{file} (before)", f"{file} (rewritten)", lineterm="")) + leaks

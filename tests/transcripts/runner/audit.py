@@ -1,15 +1,14 @@
 """What may be left when the program ends, by the host's own account."""
 
-_MAY_REMAIN = {"bstrs": 1, "safearrays": 0, "handles": 0, "coercions": 0}
-
-# What the one channel object holds: a connection, an opened class and an enumerator with its instance.
-_INTERFACES_THAT_MAY_REMAIN = {
-    "IWbemLocator": 1,
-    "IWbemServices": 1,
-    "IWbemClassObject": 2,
-    "IEnumWbemClassObject": 2,
+# What the one channel object holds at exit: a connection, an opened class and an enumerator with its instance.
+_MAY_REMAIN = {
+    "bstrs": 1,
+    "interface IWbemLocator": 1,
+    "interface IWbemServices": 1,
+    "interface IWbemClassObject": 2,
+    "interface IEnumWbemClassObject": 2,
+    "store gDsmChannel": 1,
 }
-_STORES_THAT_MAY_REMAIN = {"gDsmChannel"}
 
 
 def audit_problems(accounts):
@@ -17,19 +16,9 @@ def audit_problems(accounts):
     if len(accounts) != 1:
         return [f"{len(accounts)} audit lines where the host writes one"]
     account = accounts[0]
-    problems = _excesses("", account, _MAY_REMAIN, _MAY_REMAIN)
-    interfaces = account["interfaces"]
-    problems += _excesses("interface ", interfaces, interfaces, _INTERFACES_THAT_MAY_REMAIN)
-    problems += [f"store {name}: {count} left" for name, count in account["stores"].items()
-                 if count > 0 and name not in _STORES_THAT_MAY_REMAIN]
-    return problems
-
-
-def _excesses(kind, counts, names, limits):
-    return [f"{kind}{name}: {counts[name]} where {limits.get(name, 0)} may be" for name in names
-            if counts.get(name, 0) > limits.get(name, 0)]
-
-
-def calls(accounts, operation):
-    """How often the program called an operation of the machine."""
-    return sum(account["calls"].get(operation, 0) for account in accounts)
+    counts = {name: account[name] for name in ("bstrs", "safearrays", "coercions")}
+    counts["handles"] = account.get("handles", 0)
+    counts |= {f"interface {name}": count for name, count in account["interfaces"].items()}
+    counts |= {f"store {name}": count for name, count in account["stores"].items()}
+    return [f"{name}: {count} where {_MAY_REMAIN.get(name, 0)} may be" for name, count in counts.items()
+            if count > _MAY_REMAIN.get(name, 0)]

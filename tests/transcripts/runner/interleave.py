@@ -1,64 +1,44 @@
 """Which stream each piece of a common output came from."""
 
+from os.path import commonprefix
+
 from .notation import hide_pointers
 from .transcript import STANDARD_ERROR, STANDARD_OUTPUT, Piece
 
 
-def interleave(streams, together):
+def interleave(output, errors, together):
     """Pieces of the two streams in the order of the common output, or None when that is no mixture of the two.
 
     Where the output could have come from either, a stream goes on to the end of its line, and standard output goes
     first.
     """
-    texts = {stream: hide_pointers(text) for stream, text in streams.items()}
+    texts = {STANDARD_OUTPUT: hide_pointers(output), STANDARD_ERROR: hide_pointers(errors)}
     together = hide_pointers(together)
-    if sum(map(len, texts.values())) != len(together):
+    whole = tuple(map(len, texts.values()))
+    way = {(0, 0): None}  # how far each stream has come: the step that led there, as place before and piece
+    open_ends = [((0, 0), STANDARD_OUTPUT)]
+    while open_ends and whole not in way:
+        at, current = open_ends.pop()
+        for stream in sorted(texts, key=lambda stream: stream == current):
+            place = at[stream == STANDARD_ERROR]
+            line = texts[stream][place:texts[stream].find("\n", place) + 1 or None]
+            piece = commonprefix([line, together[sum(at):sum(at) + len(line)]])
+            after = (at[0] + len(piece), at[1]) if stream == STANDARD_OUTPUT else (at[0], at[1] + len(piece))
+            if after not in way:
+                way[after] = at, Piece(stream, piece)
+                open_ends.append((after, stream))
+    if whole not in way or sum(whole) != len(together):
         return None
-    return _search(texts, together)
+    return _pieces(way, whole)
 
 
-def _search(texts, together):
-    """Depth first, without recursion: `choices` holds the pieces taken so far with the streams still untried there."""
-    order = (STANDARD_OUTPUT, STANDARD_ERROR)
-    at = dict.fromkeys(order, 0)
-    taken = []
-    choices = [list(order)]
-    dead_ends = set()
-    while sum(at.values()) < len(together):
-        while choices[-1]:
-            stream = choices[-1].pop(0)
-            length = _common_piece(texts[stream], at[stream], together, sum(at.values()))
-            after = {**at, stream: at[stream] + length}
-            if length > 0 and tuple(after.values()) not in dead_ends:
-                taken.append(Piece(stream, texts[stream][at[stream]:after[stream]]))
-                at = after
-                choices.append([stream] + [other for other in order if other != stream])
-                break
+def _pieces(way, place):
+    """The pieces that led there; those of one line that follow each other on one stream are one."""
+    pieces = []
+    while way[place]:
+        place, piece = way[place]
+        if pieces and pieces[-1].stream == piece.stream and not piece.text.endswith("\n"):
+            pieces[-1] = Piece(piece.stream, piece.text + pieces[-1].text)
         else:
-            dead_ends.add(tuple(at.values()))
-            choices.pop()
-            if not taken:
-                return None
-            piece = taken.pop()
-            at = {**at, piece.stream: at[piece.stream] - len(piece.text)}
-    return _joined(taken)
-
-
-def _common_piece(text, at, together, position):
-    """How much of the stream's current line the common output goes on with."""
-    end = text.find("\n", at) + 1 or len(text)
-    length = 0
-    while at + length < end and together[position + length:position + length + 1] == text[at + length]:
-        length += 1
-    return length
-
-
-def _joined(pieces):
-    """Pieces of one line that follow each other on one stream are one."""
-    joined = []
-    for piece in pieces:
-        if joined and joined[-1].stream == piece.stream and not joined[-1].text.endswith("\n"):
-            joined[-1].text += piece.text
-        else:
-            joined.append(piece)
-    return joined
+            pieces.append(piece)
+    return pieces[::-1]

@@ -1,120 +1,109 @@
 """The directory that a case runs in: the binary, its host and what else stands beside it."""
 
-import copy
 import json
 import shutil
 
 from .host_edit import edit, merge_patch
 from .launch import PROGRAM
-from .notation import from_bytes, to_bytes
-from .transcript import ABSENT, DIRECTORY
+from .notation import TranscriptError, to_bytes
+from .transcript import ABSENT, DIRECTORY, split_words
 
 HOST = "host.json"
 AUDIT = "host.audit"
 STATE = "host.state.jsonl"
 
 
-class SceneError(Exception):
-    """A setting that cannot be carried out."""
-
-
 class Scene:
-    """One directory, made afresh; settings change it and `changes` tells what a command has changed."""
+    """One directory, made afresh; each setting of a transcript is the method of its name."""
 
     def __init__(self, directory, launcher, host_directories):
         shutil.rmtree(directory, ignore_errors=True)
         directory.mkdir(parents=True)
         launcher.lay(directory)
         self.directory = directory
-        self.timeout = 20.0
-        self.audited = True
+        self._settings = {"host": self._host, "patch": self._patch, "edit": self._edit, "file": self._file,
+                          "directory": self._directory, "remove": self._remove}
+        self._launcher = launcher
         self._host_directories = host_directories
-        self._host = None
 
-    def apply(self, setting):
-        getattr(self, f"_set_{setting.word}")(setting.value)
+    def apply(self, word, text, content=""):
+        """Carries out a setting: `text` is all behind its word, `content` that of a file."""
+        if word not in self._settings:
+            raise TranscriptError(f"unknown setting '{word}'")
+        try:
+            self._settings[word](*([text, content] if word == "file" else [text]))
+        except (OSError, ValueError) as error:
+            raise TranscriptError(str(error)) from error
+
+    def run(self, words, typed="", together=False):
+        """Runs a command; gives its outcome and the host's accounts of it."""
+        (self.directory / AUDIT).write_bytes(b"")
+        outcome = self._launcher.run(self.directory, words, typed, together)
+        return outcome, [json.loads(line) for line in (self.directory / AUDIT).read_text().splitlines()]
 
     def read(self, name):
         """What stands under a name: its content, DIRECTORY or ABSENT."""
         path = self._path(name)
         if path.is_dir():
             return DIRECTORY
-        return from_bytes(path.read_bytes()) if path.is_file() else ABSENT
+        return path.read_bytes().decode("latin-1") if path.is_file() else ABSENT
 
     def contents(self):
         """All that stands in the directory and is not the scenery itself, by name."""
-        names = (str(path.relative_to(self.directory)) for path in self.directory.rglob("*"))
-        return {name: self.read(name) for name in names if not self._is_scenery(name)}
-
-    def start_audit(self):
-        """Asks the host for an account of the next run."""
-        (self.directory / AUDIT).write_bytes(b"")
-
-    def read_audit(self):
-        """The accounts that the host has written since start_audit."""
-        return [json.loads(line) for line in (self.directory / AUDIT).read_text().splitlines()]
-
-    @staticmethod
-    def _is_scenery(name):
-        return name in (PROGRAM, HOST, AUDIT) or name.startswith(STATE)
+        names = [str(path.relative_to(self.directory)) for path in self.directory.rglob("*")]
+        return {name: self.read(name) for name in names
+                if name not in (PROGRAM, HOST, AUDIT) and not name.startswith(STATE)}
 
     def _path(self, name):
         path = self.directory / to_bytes(name).decode("utf-8", "surrogateescape")
         if not path.resolve().is_relative_to(self.directory.resolve()):
-            raise SceneError(f"{name} is not in the transcript's directory")
+            raise TranscriptError(f"{name} is not in the transcript's directory")
         return path
 
-    def _write_host(self, document):
-        self._host = document
-        (self.directory / HOST).write_text(json.dumps(document, indent=2) + "\n")
+    def _named(self, text):
+        words = split_words(text)
+        if len(words) != 1:
+            raise TranscriptError("one name is needed")
+        return self._path(words[0])
 
-    def _described_host(self):
-        if self._host is None:
-            raise SceneError("no host stands there to be changed")
-        return copy.deepcopy(self._host)
-
-    def _host_file(self, name):
-        found = [path for path in (directory / f"{name}.json" for directory in self._host_directories) if path.is_file()]
-        if len(found) != 1:
-            raise SceneError(f"host {name}: {len(found)} descriptions found")
-        return found[0]
-
-    def _set_host(self, name):
+    def _host(self, name):
         if name == "none":
             (self.directory / HOST).unlink(missing_ok=True)
-            self._host = None
             return
-        text = self._host_file(name).read_text()
-        (self.directory / HOST).write_text(text)
-        self._host = json.loads(text)
+        found = [path for path in (directory / f"{name}.json" for directory in self._host_directories) if path.is_file()]
+        if len(found) != 1:
+            raise TranscriptError(f"host {name}: {len(found)} descriptions found")
+        shutil.copyfile(found[0], self.directory / HOST)
 
-    def _set_patch(self, patch):
-        self._write_host(merge_patch(self._described_host(), copy.deepcopy(patch)))
+    def _patch(self, text):
+        self._write_host(merge_patch(self._read_host(), json.loads(text)))
 
-    def _set_edit(self, pointer_and_value):
-        host = self._described_host()
-        pointer, value = pointer_and_value
-        edit(host, pointer, copy.deepcopy(value) if value is not ABSENT else ABSENT)
+    def _edit(self, text):
+        host = self._read_host()
+        if text.endswith(" removed"):
+            edit(host, text.removesuffix(" removed"), ABSENT)
+        else:
+            pointer, _, value = text.partition(" = ")
+            edit(host, pointer, json.loads(value))
         self._write_host(host)
 
-    def _set_file(self, name_and_content):
-        name, content = name_and_content
-        path = self._path(name)
+    def _read_host(self):
+        return json.loads((self.directory / HOST).read_text())
+
+    def _write_host(self, host):
+        (self.directory / HOST).write_text(json.dumps(host, indent=2) + "\n")
+
+    def _file(self, text, content):
+        path = self._named(text)
         path.parent.mkdir(parents=True, exist_ok=True)
         path.write_bytes(to_bytes(content))
 
-    def _set_directory(self, name):
-        self._path(name).mkdir(parents=True)
+    def _directory(self, text):
+        self._named(text).mkdir(parents=True)
 
-    def _set_remove(self, name):
-        path = self._path(name)
+    def _remove(self, text):
+        path = self._named(text)
         if path.is_dir():
             shutil.rmtree(path)
         else:
             path.unlink()
-
-    def _set_audit(self, _):
-        self.audited = False
-
-    def _set_timeout(self, seconds):
-        self.timeout = seconds
