@@ -333,6 +333,7 @@ ArrayModel ReadArray(const Node& array, std::size_t index) {
     model.name = keys["name"].Text(4096, L"array-" + std::to_wstring(model.id));
     model.extendedPathRecovery = FlagByte(keys["extendedPathRecovery"], 0);
     const Node utmLun = keys["utmLun"];
+    model.inTransition = keys["inTransition"].Flag(false);
     model.utmLunEnabled = FlagByte(keys["utmLunEnabled"], utmLun.IsAbsent() ? 0 : 1);
     model.utmLunNumber = utmLun.Unsigned<std::uint8_t>(0, 255, 0);
     ReadControllers(keys["controllers"], model);

@@ -106,6 +106,7 @@ struct ArrayModel : RecordModel {
   std::uint8_t extendedPathRecovery = 0;
   std::uint8_t utmLunEnabled = 0;
   std::uint8_t utmLunNumber = 0;
+  bool inTransition = false; ///< its paths cannot be set offline or online now
   std::uint32_t announcedLuns = 0;
   std::uint32_t announcedControllers = 0;
   std::vector<ControllerModel> controllers;

@@ -1,5 +1,7 @@
 #include "simhost/driver_classes.h"
 
+#include "simhost/driver_options.h"
+
 #include <string>
 #include <utility>
 
@@ -64,6 +66,7 @@ void AppendGeneration2Methods(std::vector<MethodDefinition>& methods) {
 
 void AddDriverDataClasses(Repository& repository, int generation) {
   AddDataClass(repository, L"VRXDSM_SCAN_OPTION", {Property(L"ScanOption", CIM_STRING)});
+  DriverOptions::AddClasses(repository);
   if (generation != 2) {
     return;
   }

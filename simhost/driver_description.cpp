@@ -60,6 +60,7 @@ DriverModel ReadDriver(const Node& driver, std::size_t index) {
     model.debugLevel = keys["debugLevel"].Unsigned<std::uint64_t>(0, UINT64_MAX, 0);
     model.errorLevel = keys["errorLevel"].Unsigned<std::uint32_t>(0, kMax32, 0);
     ReadArrays(keys["arrays"], model);
+    model.options = ReadOptions(keys["options"], keys["optionAnswers"]);
     const auto arrays = static_cast<std::uint32_t>(model.arrays.size());
     model.announcedArrays = keys["announcedArrays"].Unsigned<std::uint32_t>(0, kMax32, arrays);
     model.maxModules = keys["maxModules"].Unsigned<std::uint32_t>(0, kMax32, 64);

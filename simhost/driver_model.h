@@ -2,6 +2,7 @@
 
 #include "simhost/array_model.h"
 #include "simhost/description.h"
+#include "simhost/option_model.h"
 
 #include <cstdint>
 #include <optional>
@@ -35,6 +36,7 @@ struct DriverModel {
   std::uint32_t maxPaths = 0;
   std::uint32_t maxLuns = 0;
   std::vector<ArrayModel> arrays;
+  OptionsModel options;
 };
 
 /// A DSM as an administrator describes it; `index` is its place in the list of DSMs. Throws DescriptionError.

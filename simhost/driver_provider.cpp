@@ -92,9 +92,12 @@ const DriverProvider::MethodRow DriverProvider::kMethods[] = {
     {L"VrxSetDebugLevel", &DriverProvider::SetDebugLevel},
     {L"VrxSetErrorLevel", &DriverProvider::SetErrorLevel},
     {L"VrxPerformScan", &DriverProvider::PerformScan},
+    {L"VrxOptionControlRequest", &DriverProvider::ControlOptions},
 };
 
-DriverProvider::DriverProvider(Host& host, DriverModel driver) : m_host(host), m_driver(std::move(driver)) {}
+DriverProvider::DriverProvider(Host& host, DriverModel driver)
+    : m_host(host), m_driver(std::move(driver)),
+      m_options(host, m_driver.options, StateKey(""), [this](std::uint32_t pathId) { return ConditionOf(pathId); }) {}
 
 Outcome DriverProvider::EnumerateInstances(const ClassRef& definition, std::vector<CimObject>& instances) {
   if (m_driver.hasInstance) {
@@ -175,10 +178,13 @@ HRESULT DriverProvider::GiveControllers(const MethodCall& call, CimObject* outpu
 
 HRESULT DriverProvider::GiveLuns(const MethodCall& call, CimObject* output) {
   return GiveList(m_host.repository, Select(call), L"VRXDSM_MULTIPATH_DEVICE", L"MPGInfo", *output,
-                  [this](const ArrayModel& array, const ClassRef& elementClass, std::vector<CimObject>& elements) {
+                  [this, isChanged = m_options.ChangesLuns()](const ArrayModel& array, const ClassRef& elementClass,
+                                                              std::vector<CimObject>& elements) {
                     for (std::size_t index = 0; index < array.luns.size(); ++index) {
                       const LunModel& lun = array.luns[index];
-                      elements.push_back(Element(elementClass, lun, LunRecord(lun, CurrentOwner(array, index))));
+                      const std::uint8_t owner = CurrentOwner(array, index);
+                      elements.push_back(
+                          Element(elementClass, lun, LunRecord(isChanged ? CurrentLun(lun) : lun, owner)));
                     }
                   });
 }
@@ -225,6 +231,37 @@ HRESULT DriverProvider::PerformScan(const MethodCall& call, CimObject* /*output*
     }
   });
   return S_OK;
+}
+
+HRESULT DriverProvider::ControlOptions(const MethodCall& call, CimObject* output) {
+  return m_options.Control(call, output);
+}
+
+PathCondition DriverProvider::ConditionOf(std::uint32_t pathId) const {
+  for (const ArrayModel& array : m_driver.arrays) {
+    for (const ControllerModel& controller : array.controllers) {
+      for (const ControllerPathModel& path : controller.paths) {
+        if (static_cast<std::uint32_t>(path.id) == pathId) {
+          return array.inTransition ? PathCondition::kInTransition : PathCondition::kReady;
+        }
+      }
+    }
+  }
+  return PathCondition::kUnknown;
+}
+
+LunModel DriverProvider::CurrentLun(const LunModel& lun) const {
+  static constexpr std::uint32_t kAdminOffline = 2;
+  LunModel current = lun;
+  if (const std::optional<std::uint32_t> policy = m_options.Policy()) {
+    current.policy = static_cast<std::uint8_t>(*policy);
+  }
+  for (LunPathModel& path : current.paths) {
+    if (m_options.IsOffline(static_cast<std::uint32_t>(path.id))) {
+      path.internalState = kAdminOffline;
+    }
+  }
+  return current;
 }
 
 std::vector<const ArrayModel*> DriverProvider::Select(const MethodCall& call) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simhost/driver_model.h"
+#include "simhost/driver_options.h"
 #include "simhost/host.h"
 #include "simhost/provider.h"
 
@@ -36,6 +37,7 @@ private:
   HRESULT SetDebugLevel(const MethodCall& call, CimObject* output);
   HRESULT SetErrorLevel(const MethodCall& call, CimObject* output);
   HRESULT PerformScan(const MethodCall& call, CimObject* output);
+  HRESULT ControlOptions(const MethodCall& call, CimObject* output);
 
   /// The arrays that a call's input selects; none when it selects nothing, which fails the method.
   std::vector<const ArrayModel*> Select(const MethodCall& call) const;
@@ -46,8 +48,14 @@ private:
   std::string OwnerKey(const ArrayModel& array, std::size_t lunIndex) const;
   std::string StateKey(std::string_view key) const;
 
+  /// Whether a path of the DSM's arrays has this identifier (its low 32 bits), and whether its array can change now.
+  PathCondition ConditionOf(std::uint32_t pathId) const;
+  /// The LUN as the options that were set have made it.
+  LunModel CurrentLun(const LunModel& lun) const;
+
   Host& m_host;
   DriverModel m_driver;
+  DriverOptions m_options;
 };
 
 } // namespace simhost
