@@ -163,7 +163,7 @@ TEST(DriverProviderTest, GivesTheListsOfAnArrayTheCountsAndTheVersion) {
   EXPECT_EQ(version.Value(L"ProductBuild").Number(), 37U);
   EXPECT_EQ(version.Value(L"QfeNumber").Number(), 4U);
   EXPECT_FALSE(DriverClient(kEmpty).Records(L"VrxDsmGetArrayInfo", client.Selection(0, 0, L"")));
-  EXPECT_EQ(client.Call(L"VrxOptionControlRequest", nullptr, {}, output), static_cast<HRESULT>(WBEM_E_NOT_SUPPORTED));
+  EXPECT_EQ(client.Call(L"VrxOptionControlRequest", nullptr, {}, output), static_cast<HRESULT>(WBEM_E_INVALID_PARAMETER));
 }
 
 /// A state file that is gone before and after.
