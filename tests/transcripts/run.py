@@ -51,13 +51,11 @@ def handle(file, options):
     """Replays one transcript; True when it holds. Output comes in one piece, as several run at once."""
     try:
         report = rewrite(file, options) if options.rewrite else check(file, options)
+        good = not report or options.rewrite
     except TranscriptError as error:
-        report = [f"{file}:{error}"]
-        print(*report, sep="\n", flush=True)
-        return False
-    if report:
-        print("\n".join(report), flush=True)
-    return not report or options.rewrite
+        report, good = [f"{file}:{error}"], False
+    print("".join(f"{line}\n" for line in report), end="", flush=True)
+    return good
 
 
 def runs_of(file, options):
@@ -70,17 +68,12 @@ def runs_of(file, options):
         for step in case.steps:
             try:
                 if isinstance(step, Command):
-                    run = run_twice(step, *scenes)
-                else:
-                    for scene in scenes:
-                        scene.apply(step.word, step.text, step.content)
+                    yield case, step, run_twice(step, *scenes)
                     continue
+                for scene in scenes:
+                    scene.apply(step.word, step.text, step.content)
             except TranscriptError as error:
                 raise TranscriptError(f"{step.line}: {error}") from error
-            if options.printed:
-                keep_printed(f"{options.printed / name_of(file)}.stdout", run.apart.output)
-                keep_printed(f"{options.printed / name_of(file)}.stderr", run.apart.errors)
-            yield case, step, run
 
 
 def name_of(file):
@@ -88,14 +81,17 @@ def name_of(file):
     return str(path.relative_to(HERE)).replace("/", ".") if path.is_relative_to(HERE) else path.name
 
 
-def keep_printed(path, text):
-    with open(path, "a", encoding="latin-1", newline="") as kept:
-        kept.write(text + "\n")
+def keep_printed(path, outcome):
+    for suffix, text in ((".stdout", outcome.output), (".stderr", outcome.errors)):
+        with open(f"{path}{suffix}", "a", encoding="latin-1", newline="") as kept:
+            kept.write(text + "\n")
 
 
 def check(file, options):
     report = []
     for case, command, run in runs_of(file, options):
+        if options.printed:
+            keep_printed(options.printed / name_of(file), run.apart)
         problems = problems_of(command, run)
         if problems:
             title = f" ({case.title})" if case.title else ""

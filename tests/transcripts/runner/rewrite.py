@@ -1,13 +1,13 @@
 """Writes what commands did into a transcript, as what is expected from now on."""
 
+import re
+
 from .compare import calls
 from .interleave import interleave
 from .notation import encode_line, hide_pointers, split_lines
 from .transcript import ABSENT, DIRECTORY, STANDARD_ERROR, STANDARD_OUTPUT, Piece
 
 _KINDS = {ABSENT: " absent", DIRECTORY: " directory"}
-_LONGEST_REPEATED_BLOCK = 4
-_FEWEST_REPEATS = 10
 
 
 def block_of(command, run, command_line):
@@ -30,23 +30,8 @@ def block_of(command, run, command_line):
 
 def _fold(lines):
     """Blocks of a few lines that stand there many times are written once."""
-    folded = []
-    at = 0
-    while at < len(lines):
-        length, count = max(((n, _repeats(lines, at, n)) for n in range(1, _LONGEST_REPEATED_BLOCK + 1)),
-                            key=lambda found: found[0] * (found[1] - 1))
-        if count >= _FEWEST_REPEATS:
-            folded += [f"repeat {count}", *lines[at:at + length], "end"]
-            at += length * count
-        else:
-            folded.append(lines[at])
-            at += 1
-    return folded
+    return re.sub(r"((?:[^\n]*\n){1,4}?)\1{9,}", _repeat, "".join(line + "\n" for line in lines)).splitlines()
 
 
-def _repeats(lines, at, length):
-    """How often the `length` lines at `at` stand there one behind the other."""
-    count = 1
-    while lines[at + count * length:at + (count + 1) * length] == lines[at:at + length] != []:
-        count += 1
-    return count
+def _repeat(blocks):
+    return f"repeat {len(blocks[0]) // len(blocks[1])}\n{blocks[1]}end\n"

@@ -14,24 +14,23 @@ STATE = "host.state.jsonl"
 
 
 class Scene:
-    """One directory, made afresh; each setting of a transcript is the method of its name."""
+    """One directory, made afresh; the settings of a transcript change it."""
 
     def __init__(self, directory, launcher, host_directories):
         shutil.rmtree(directory, ignore_errors=True)
         directory.mkdir(parents=True)
         launcher.lay(directory)
         self.directory = directory
-        self._settings = {"host": self._host, "patch": self._patch, "edit": self._edit, "file": self._file,
-                          "directory": self._directory, "remove": self._remove}
         self._launcher = launcher
         self._host_directories = host_directories
 
     def apply(self, word, text, content=""):
         """Carries out a setting: `text` is all behind its word, `content` that of a file."""
-        if word not in self._settings:
+        setting = getattr(self, f"_set_{word}", None)
+        if not setting:
             raise TranscriptError(f"unknown setting '{word}'")
         try:
-            self._settings[word](*([text, content] if word == "file" else [text]))
+            setting(text, *([content] if word == "file" else []))
         except (OSError, ValueError) as error:
             raise TranscriptError(str(error)) from error
 
@@ -66,7 +65,7 @@ class Scene:
             raise TranscriptError("one name is needed")
         return self._path(words[0])
 
-    def _host(self, name):
+    def _set_host(self, name):
         if name == "none":
             (self.directory / HOST).unlink(missing_ok=True)
             return
@@ -75,10 +74,10 @@ class Scene:
             raise TranscriptError(f"host {name}: {len(found)} descriptions found")
         shutil.copyfile(found[0], self.directory / HOST)
 
-    def _patch(self, text):
+    def _set_patch(self, text):
         self._write_host(merge_patch(self._read_host(), json.loads(text)))
 
-    def _edit(self, text):
+    def _set_edit(self, text):
         host = self._read_host()
         if text.endswith(" removed"):
             edit(host, text.removesuffix(" removed"), ABSENT)
@@ -93,15 +92,15 @@ class Scene:
     def _write_host(self, host):
         (self.directory / HOST).write_text(json.dumps(host, indent=2) + "\n")
 
-    def _file(self, text, content):
+    def _set_file(self, text, content):
         path = self._named(text)
         path.parent.mkdir(parents=True, exist_ok=True)
         path.write_bytes(to_bytes(content))
 
-    def _directory(self, text):
+    def _set_directory(self, text):
         self._named(text).mkdir(parents=True)
 
-    def _remove(self, text):
+    def _set_remove(self, text):
         path = self._named(text)
         if path.is_dir():
             shutil.rmtree(path)
