@@ -3,6 +3,7 @@
 #include "app/channel/request_table.h"
 #include "app/inventory/gen1_inventory.h"
 #include "app/inventory/gen2_inventory.h"
+#include "app/report/array_report.h"
 #include "app/report/summary_listing.h"
 
 namespace korvex {
@@ -18,6 +19,7 @@ constexpr CollectionOutputs kCollectionOutputs = {
     .printListingHead = PrintListingHead,
     .printArraySummaryRow = PrintArraySummaryRow,
     .printListingClosingRule = PrintListingClosingRule,
+    .printArrayInformation = PrintArrayInformation,
 };
 
 } // namespace

@@ -129,8 +129,11 @@ std::uint32_t CollectDsmArrayInfo(std::uint32_t /*requestCode*/, void* argument,
   if (!CollectArrayParts(selection, buffers)) {
     return kWmiRequestFailed;
   }
-  if (gReportSelectionErrors && gExtendedReport) {
-    ReadPathInformation();
+  if (gReportSelectionErrors) {
+    if (gExtendedReport) {
+      ReadPathInformation();
+    }
+    gCollectionOutputs->printArrayInformation();
   }
   return kWmiSuccess;
 }

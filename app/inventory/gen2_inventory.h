@@ -28,6 +28,7 @@ struct CollectionOutputs {
   void (&printListingHead)();
   bool (&printArraySummaryRow)();
   void (&printListingClosingRule)();
+  bool (&printArrayInformation)();
 };
 /// Connects the collection with the higher rooms; once, before the first collection. `outputs` must live for the whole
 /// run.
