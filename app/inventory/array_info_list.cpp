@@ -1,3 +1,4 @@
+#include "app/cli/console/owned_store.h"
 #include "app/cli/console/run_state.h"
 #include "app/cli/console/trace.h"
 #include "app/inventory/current_array.h"
@@ -7,7 +8,6 @@
 #include "app/inventory/limits.h"
 #include "app/inventory/list_readers.h"
 #include "app/inventory/list_walk.h"
-#include "app/inventory/owned_store.h"
 #include "platform/text.h"
 
 #include <algorithm>

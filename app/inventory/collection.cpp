@@ -2,6 +2,7 @@
 #include "app/channel/ioctl.h"
 #include "app/channel/request_codes.h"
 #include "app/cli/console/error_text.h"
+#include "app/cli/console/owned_store.h"
 #include "app/cli/console/print.h"
 #include "app/cli/console/run_state.h"
 #include "app/cli/console/trace.h"
@@ -10,7 +11,6 @@
 #include "app/inventory/gen2_stores.h"
 #include "app/inventory/list_readers.h"
 #include "app/inventory/methods_instance.h"
-#include "app/inventory/owned_store.h"
 #include "app/inventory/path_information.h"
 #include "platform/wbem.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/inventory/owned_store.h"
+#include "app/cli/console/owned_store.h"
 
 #include <array>
 #include <cstddef>
