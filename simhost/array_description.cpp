@@ -1,5 +1,8 @@
 #include "simhost/array_description.h"
 
+#include "simhost/array_words.h"
+#include "simhost/module_properties.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <span>
@@ -8,9 +11,6 @@
 namespace simhost {
 namespace {
 
-constexpr CodeName kDesignations[] = {{"A", 0}, {"B", 1}};
-constexpr CodeName kInterfaces[] = {{"FC", 0}, {"IB", 4}, {"iSCSI", 5}, {"SAS", 6}, {"unused", 255}};
-constexpr CodeName kControllerStates[] = {{"active", 1}, {"reset", 4}};
 constexpr CodeName kPathStates[] = {{"working", 1}, {"failback", 2}, {"pending remove", 3}, {"failed", 4}};
 constexpr CodeName kLunStates[] = {{"normal", 1}, {"pending", 2}, {"failed", 3}};
 constexpr CodeName kPolicies[] = {{"fail over only", 1},    {"round robin", 2},    {"round robin with subset", 3},
@@ -82,6 +82,8 @@ CongestionModel ReadCongestion(const Node& congestion) {
 ControllerPathModel ReadControllerPath(const Node& path, std::uint64_t defaultId) {
   ControllerPathModel model;
   ReadMembers(path, [&](Members& keys) {
+    ModuleRecord::PassOver(ModulePathProperties(), keys);
+    ModuleRecord::PassOver(ModuleAddressProperties(), keys);
     model.id = keys["id"].Unsigned<std::uint64_t>(0, kMax64, defaultId);
     model.extension = keys["extension"].Unsigned<std::uint32_t>(0, kMax32, 0);
     model.state = keys["state"].Code<std::uint8_t>(kPathStates, 255, 1);
@@ -102,6 +104,7 @@ std::uint64_t DefaultPathId(std::uint8_t arrayId, std::size_t controller, std::s
 ControllerModel ReadController(const Node& controller, std::uint8_t arrayId, std::size_t index) {
   ControllerModel model;
   ReadMembers(controller, [&](Members& keys) {
+    ModuleRecord::PassOver(ModuleControllerProperties(), keys);
     ReadRecordKeys(keys, model);
     model.serial = keys["serial"].NarrowText(
         10, Formatted("SN%05u%03u", static_cast<unsigned>(arrayId), static_cast<unsigned>(index % 1000)));
@@ -123,6 +126,7 @@ ControllerModel ReadController(const Node& controller, std::uint8_t arrayId, std
 LunPathModel ReadLunPath(const Node& path, const LunPathModel& like) {
   LunPathModel model = like;
   ReadMembers(path, [&model](Members& keys) {
+    ModuleRecord::PassOver(ModuleDriveProperties(), keys);
     model.id = keys["id"].Unsigned<std::uint64_t>(0, kMax64, model.id);
     model.extension = keys["extension"].Unsigned<std::uint32_t>(0, kMax32, model.extension);
     model.controller = keys["controller"].Code<std::uint8_t>(kDesignations, 255, model.controller);
@@ -224,6 +228,8 @@ std::string DefaultDisk(std::size_t index) {
 LunModel ReadLun(const Node& lun, const ArrayModel& array, std::size_t index) {
   LunModel model;
   ReadMembers(lun, [&](Members& keys) {
+    ModuleRecord::PassOver(ModuleLunProperties(), keys);
+    keys["driveInfos"];
     ReadRecordKeys(keys, model);
     model.wwn = keys["wwn"].NarrowText(
         32, Formatted("60000000000000000000000%04x%05x", array.id, static_cast<unsigned>(index & 0xFFFFF)));
@@ -327,6 +333,7 @@ void ReadDevices(const Node& devices, ArrayModel& array) {
 ArrayModel ReadArray(const Node& array, std::size_t index) {
   ArrayModel model;
   ReadMembers(array, [&](Members& keys) {
+    ModuleRecord::PassOver(ModuleProperties(), keys);
     ReadRecordKeys(keys, model);
     model.id = keys["id"].Unsigned<std::uint8_t>(0, 255, static_cast<std::uint8_t>(index & 0xFF));
     model.wwn = keys["wwn"].NarrowText(32, Formatted("600000000000000000000000%04x%04x", model.id, 0));

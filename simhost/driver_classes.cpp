@@ -1,6 +1,7 @@
 #include "simhost/driver_classes.h"
 
 #include "simhost/driver_options.h"
+#include "simhost/module_answers.h"
 
 #include <string>
 #include <utility>
@@ -68,6 +69,7 @@ void AddDriverDataClasses(Repository& repository, int generation) {
   AddDataClass(repository, L"VRXDSM_SCAN_OPTION", {Property(L"ScanOption", CIM_STRING)});
   DriverOptions::AddClasses(repository);
   if (generation != 2) {
+    AddModuleClasses(repository);
     return;
   }
   AddDataClass(repository, L"VRXDSM_VERSION",
@@ -93,6 +95,8 @@ CimClass DriverMethodsClass(const DriverModel& driver) {
   definition.methods = CommonMethods();
   if (driver.generation == 2) {
     AppendGeneration2Methods(definition.methods);
+  } else {
+    AppendModuleMethods(definition.methods);
   }
   return definition;
 }

@@ -1,5 +1,6 @@
 #include "simhost/array_description.h"
 #include "simhost/driver_model.h"
+#include "simhost/module_description.h"
 
 namespace simhost {
 namespace {
@@ -39,7 +40,11 @@ std::wstring ReadMethodsClass(const Node& name, const DriverModel& driver) {
 
 void ReadArrays(const Node& arrays, DriverModel& driver) {
   for (const Node& array : arrays.Elements(kMaxArrays)) {
-    driver.arrays.push_back(ReadArray(array, driver.arrays.size()));
+    if (driver.generation == 2) {
+      driver.arrays.push_back(ReadArray(array, driver.arrays.size()));
+    } else {
+      driver.modules.push_back(ReadModule(array, driver.modules.size()));
+    }
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include "simhost/array_model.h"
 #include "simhost/description.h"
+#include "simhost/module_model.h"
 #include "simhost/option_model.h"
 
 #include <cstdint>
@@ -35,8 +36,9 @@ struct DriverModel {
   std::uint32_t maxModules = 0;
   std::uint32_t maxPaths = 0;
   std::uint32_t maxLuns = 0;
-  std::vector<ArrayModel> arrays;
   OptionsModel options;
+  std::vector<ArrayModel> arrays;   ///< in generation 2
+  std::vector<ModuleModel> modules; ///< in generation 1
 };
 
 /// A DSM as an administrator describes it; `index` is its place in the list of DSMs. Throws DescriptionError.

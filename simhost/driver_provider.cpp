@@ -1,6 +1,7 @@
 #include "simhost/driver_provider.h"
 
 #include "simhost/array_records.h"
+#include "simhost/module_answers.h"
 #include "simhost/text.h"
 
 #include <algorithm>
@@ -89,6 +90,9 @@ const DriverProvider::MethodRow DriverProvider::kMethods[] = {
     {L"VrxDsmGetMPGInfo", &DriverProvider::GiveLuns},
     {L"VrxDsmGetDeviceInfo", &DriverProvider::GiveDevices},
     {L"VrxDsmGetDeviceInfoWithStatus", &DriverProvider::GiveDevices},
+    {L"VrxGetModuleInfo", &DriverProvider::GiveModule},
+    {L"VrxGetControllerInfo", &DriverProvider::GiveModuleControllers},
+    {L"VrxGetDiskInfo", &DriverProvider::GiveModuleDisks},
     {L"VrxSetDebugLevel", &DriverProvider::SetDebugLevel},
     {L"VrxSetErrorLevel", &DriverProvider::SetErrorLevel},
     {L"VrxPerformScan", &DriverProvider::PerformScan},
@@ -182,7 +186,7 @@ HRESULT DriverProvider::GiveLuns(const MethodCall& call, CimObject* output) {
                                                               std::vector<CimObject>& elements) {
                     for (std::size_t index = 0; index < array.luns.size(); ++index) {
                       const LunModel& lun = array.luns[index];
-                      const std::uint8_t owner = CurrentOwner(array, index);
+                      const auto owner = static_cast<std::uint8_t>(CurrentOwner(array.id, index, lun.owner));
                       elements.push_back(
                           Element(elementClass, lun, LunRecord(isChanged ? CurrentLun(lun) : lun, owner)));
                     }
@@ -196,6 +200,37 @@ HRESULT DriverProvider::GiveDevices(const MethodCall& call, CimObject* output) {
                       elements.push_back(Element(elementClass, device, DeviceRecord(device)));
                     }
                   });
+}
+
+HRESULT DriverProvider::GiveModule(const MethodCall& call, CimObject* output) {
+  const ModuleModel* module = FindModule(call);
+  if (module == nullptr) {
+    return static_cast<HRESULT>(WBEM_E_FAILED);
+  }
+  output->Set(L"ModuleInfo", CimValue::Embed(ModuleAnswer(m_host.repository, *module)));
+  return S_OK;
+}
+
+HRESULT DriverProvider::GiveModuleControllers(const MethodCall& call, CimObject* output) {
+  const ModuleModel* module = FindModule(call);
+  if (module == nullptr) {
+    return static_cast<HRESULT>(WBEM_E_FAILED);
+  }
+  output->Set(L"ControllerInfo", CimValue::Embed(ControllerAnswer(m_host.repository, *module)));
+  return S_OK;
+}
+
+HRESULT DriverProvider::GiveModuleDisks(const MethodCall& call, CimObject* output) {
+  const ModuleModel* module = FindModule(call);
+  if (module == nullptr) {
+    return static_cast<HRESULT>(WBEM_E_FAILED);
+  }
+  std::vector<std::uint32_t> owners;
+  for (const ModuleLun& lun : module->luns) {
+    owners.push_back(CurrentOwner(module->id, owners.size(), lun.record["owner"]));
+  }
+  output->Set(L"DiskInfo", CimValue::Embed(DiskAnswer(m_host.repository, *module, owners)));
+  return S_OK;
 }
 
 HRESULT DriverProvider::SetDebugLevel(const MethodCall& call, CimObject* /*output*/) {
@@ -226,7 +261,13 @@ HRESULT DriverProvider::PerformScan(const MethodCall& call, CimObject* /*output*
     change.Set(StateKey("scans"), Json(count + 1));
     for (const ArrayModel& array : m_driver.arrays) {
       for (std::size_t index = 0; index < array.luns.size(); ++index) {
-        MoveHome(array, index, change);
+        MoveHome(array.id, index, array.luns[index].owner, array.luns[index].preferred, change);
+      }
+    }
+    for (const ModuleModel& module : m_driver.modules) {
+      for (std::size_t index = 0; index < module.luns.size(); ++index) {
+        const ModuleRecord& lun = module.luns[index].record;
+        MoveHome(module.id, index, lun["owner"], lun["preferred"], change);
       }
     }
   });
@@ -281,22 +322,30 @@ std::vector<const ArrayModel*> DriverProvider::Select(const MethodCall& call) co
   return selected;
 }
 
-std::uint8_t DriverProvider::CurrentOwner(const ArrayModel& array, std::size_t lunIndex) const {
-  return static_cast<std::uint8_t>(m_host.state.Number(OwnerKey(array, lunIndex), array.luns[lunIndex].owner));
+const ModuleModel* DriverProvider::FindModule(const MethodCall& call) const {
+  const CimValue& id = call.Input(L"ModuleId");
+  const auto found = std::find_if(m_driver.modules.begin(), m_driver.modules.end(), [&id](const ModuleModel& module) {
+    return !id.IsNull() && module.id == id.Number();
+  });
+  return found == m_driver.modules.end() ? nullptr : &*found;
 }
 
-void DriverProvider::MoveHome(const ArrayModel& array, std::size_t lunIndex, StateChange& change) const {
-  const LunModel& lun = array.luns[lunIndex];
-  const std::string key = OwnerKey(array, lunIndex);
+std::uint32_t DriverProvider::CurrentOwner(std::uint32_t arrayId, std::size_t lunIndex, std::uint64_t described) const {
+  return static_cast<std::uint32_t>(m_host.state.Number(OwnerKey(arrayId, lunIndex), described));
+}
+
+void DriverProvider::MoveHome(std::uint32_t arrayId, std::size_t lunIndex, std::uint64_t described,
+                              std::uint64_t preferred, StateChange& change) const {
+  const std::string key = OwnerKey(arrayId, lunIndex);
   const Json* moved = change.Find(key);
-  const std::uint64_t owner = moved != nullptr && moved->IfUnsigned() != nullptr ? *moved->IfUnsigned() : lun.owner;
-  if (owner != lun.preferred) {
-    change.Set(key, Json(lun.preferred));
+  const std::uint64_t owner = moved != nullptr && moved->IfUnsigned() != nullptr ? *moved->IfUnsigned() : described;
+  if (owner != preferred) {
+    change.Set(key, Json(preferred));
   }
 }
 
-std::string DriverProvider::OwnerKey(const ArrayModel& array, std::size_t lunIndex) const {
-  return StateKey("arrays/" + std::to_string(array.id) + "/luns/" + std::to_string(lunIndex) + "/owner");
+std::string DriverProvider::OwnerKey(std::uint32_t arrayId, std::size_t lunIndex) const {
+  return StateKey("arrays/" + std::to_string(arrayId) + "/luns/" + std::to_string(lunIndex) + "/owner");
 }
 
 std::string DriverProvider::StateKey(std::string_view key) const {

@@ -34,6 +34,9 @@ private:
   HRESULT GiveControllers(const MethodCall& call, CimObject* output);
   HRESULT GiveLuns(const MethodCall& call, CimObject* output);
   HRESULT GiveDevices(const MethodCall& call, CimObject* output);
+  HRESULT GiveModule(const MethodCall& call, CimObject* output);
+  HRESULT GiveModuleControllers(const MethodCall& call, CimObject* output);
+  HRESULT GiveModuleDisks(const MethodCall& call, CimObject* output);
   HRESULT SetDebugLevel(const MethodCall& call, CimObject* output);
   HRESULT SetErrorLevel(const MethodCall& call, CimObject* output);
   HRESULT PerformScan(const MethodCall& call, CimObject* output);
@@ -41,11 +44,14 @@ private:
 
   /// The arrays that a call's input selects; none when it selects nothing, which fails the method.
   std::vector<const ArrayModel*> Select(const MethodCall& call) const;
-  /// The designation of the controller that owns the LUN now.
-  std::uint8_t CurrentOwner(const ArrayModel& array, std::size_t lunIndex) const;
+  /// The module that a call asks for; none when there is none of that id, which fails the method.
+  const ModuleModel* FindModule(const MethodCall& call) const;
+  /// The designation of the controller that owns the LUN now; `described` is the one that owned it at first.
+  std::uint32_t CurrentOwner(std::uint32_t arrayId, std::size_t lunIndex, std::uint64_t described) const;
   /// Makes the preferred controller the LUN's owner.
-  void MoveHome(const ArrayModel& array, std::size_t lunIndex, StateChange& change) const;
-  std::string OwnerKey(const ArrayModel& array, std::size_t lunIndex) const;
+  void MoveHome(std::uint32_t arrayId, std::size_t lunIndex, std::uint64_t described, std::uint64_t preferred,
+                StateChange& change) const;
+  std::string OwnerKey(std::uint32_t arrayId, std::size_t lunIndex) const;
   std::string StateKey(std::string_view key) const;
 
   /// Whether a path of the DSM's arrays has this identifier (its low 32 bits), and whether its array can change now.

@@ -59,10 +59,13 @@ private:
 /// The answers that the description gives; none when the class is to be missing.
 std::optional<std::vector<VersionAnswer>> ReadAnswers(const Node& version, const Repository& repository) {
   if (version.IsAbsent()) {
-    if (repository.FindClass(L"VRXDSM_INPUT_ARGUMENTS") == nullptr) {
-      return std::nullopt;
+    if (repository.FindClass(L"VRXDSM_INPUT_ARGUMENTS") != nullptr) {
+      return std::vector<VersionAnswer>{{CimValue(L"2.0.0"), CIM_STRING}};
     }
-    return std::vector<VersionAnswer>{{CimValue(L"2.0.0"), CIM_STRING}};
+    if (repository.FindClass(L"VRXDSM_ARRAY_MODULE") != nullptr) {
+      return std::vector<VersionAnswer>{{CimValue(L"1.0.0"), CIM_STRING}};
+    }
+    return std::nullopt;
   }
   if (version.Value()->IfBoolean() != nullptr) {
     if (version.Flag()) {

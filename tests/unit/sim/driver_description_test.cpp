@@ -44,7 +44,7 @@ TEST(InterfaceVersionTest, HasEveryForm) {
   const std::pair<std::string, std::vector<std::string>> rows[] = {
       {"{}", {"no class"}},
       {R"({"dsms": [{}]})", {"2.0.0"}},
-      {R"({"dsms": [{"generation": 1}]})", {"no class"}},
+      {R"({"dsms": [{"generation": 1}]})", {"1.0.0"}},
       {R"({"dsms": [{"methodsClass": null}]})", {"2.0.0"}},
       {R"({"dsms": [{}], "interfaceVersion": false})", {"no class"}},
       {R"({"interfaceVersion": "1.0"})", {"1.0"}},
