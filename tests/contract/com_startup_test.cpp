@@ -4,10 +4,9 @@
 
 #include <gtest/gtest.h>
 #include <thread>
+#include <tuple>
 
 namespace {
-
-using contract::CountedObject;
 
 constexpr CLSID kNoClass = {0x11111111, 0x2222, 0x3333, {1, 2, 3, 4, 5, 6, 7, 8}};
 
@@ -68,85 +67,45 @@ TEST(ComStart, SecurityIsSetOnce) {
 }
 
 /// A proxy that keeps the blanket it was given and answers with a chosen result.
-class Proxy : public CountedObject {
+class Proxy : public contract::Counted<IClientSecurity> {
 public:
-  explicit Proxy(HRESULT answer) : m_security(*this, answer) {}
+  explicit Proxy(HRESULT answer) : Counted(IID_IClientSecurity), m_answer(answer) {}
 
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
-    if (!IsEqualIID(riid, IID_IClientSecurity)) {
-      return CountedObject::QueryInterface(riid, object);
-    }
-    *object = &m_security;
-    AddRef();
-    return S_OK;
+  HRESULT STDMETHODCALLTYPE QueryBlanket(IUnknown*, DWORD*, DWORD*, OLECHAR**, DWORD*, DWORD*, void**,
+                                         DWORD*) override {
+    return E_NOTIMPL;
   }
+  HRESULT STDMETHODCALLTYPE SetBlanket(IUnknown* proxy, DWORD authnService, DWORD authzService, OLECHAR* principal,
+                                       DWORD authnLevel, DWORD impLevel, void* identity, DWORD capabilities) override {
+    blanket = {proxy, authnService, authzService, principal, authnLevel, impLevel, identity, capabilities};
+    return m_answer;
+  }
+  HRESULT STDMETHODCALLTYPE CopyProxy(IUnknown*, IUnknown**) override { return E_NOTIMPL; }
 
-  struct Blanket {
-    IUnknown* proxy = nullptr;
-    DWORD authnService = 0;
-    DWORD authzService = 0;
-    OLECHAR* principal = nullptr;
-    DWORD authnLevel = 0;
-    DWORD impLevel = 0;
-    void* identity = nullptr;
-    DWORD capabilities = 0;
-  };
+  using Blanket = std::tuple<IUnknown*, DWORD, DWORD, OLECHAR*, DWORD, DWORD, void*, DWORD>;
   Blanket blanket;
 
 private:
-  class Security : public IClientSecurity {
-  public:
-    Security(Proxy& owner, HRESULT answer) : m_owner(owner), m_answer(answer) {}
-    virtual ~Security() = default;
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
-      return m_owner.QueryInterface(riid, object);
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return m_owner.AddRef(); }
-    ULONG STDMETHODCALLTYPE Release() override { return m_owner.Release(); }
-    HRESULT STDMETHODCALLTYPE QueryBlanket(IUnknown*, DWORD*, DWORD*, OLECHAR**, DWORD*, DWORD*, void**,
-                                           DWORD*) override {
-      return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE SetBlanket(IUnknown* proxy, DWORD authnService, DWORD authzService, OLECHAR* principal,
-                                         DWORD authnLevel, DWORD impLevel, void* identity,
-                                         DWORD capabilities) override {
-      m_owner.blanket = {proxy, authnService, authzService, principal, authnLevel, impLevel, identity, capabilities};
-      return m_answer;
-    }
-    HRESULT STDMETHODCALLTYPE CopyProxy(IUnknown*, IUnknown**) override { return E_NOTIMPL; }
-
-  private:
-    Proxy& m_owner;
-    HRESULT m_answer;
-  };
-  Security m_security;
+  HRESULT m_answer;
 };
 
 TEST(ProxyBlanket, IsSetThroughTheProxysOwnSecurity) {
+  wchar_t principal[] = L"principal";
+  int identity = 0;
   for (const HRESULT answer : {HRESULT{S_OK}, HRESULT{E_ACCESSDENIED}}) {
     Proxy proxy(answer);
-    wchar_t principal[] = L"principal";
-    int identity = 0;
     EXPECT_EQ(answer, CoSetProxyBlanket(&proxy, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, principal, RPC_C_AUTHN_LEVEL_PKT,
                                         RPC_C_IMP_LEVEL_IMPERSONATE, &identity, EOAC_NONE));
     EXPECT_EQ(0U, proxy.references());
-    EXPECT_EQ(&proxy, proxy.blanket.proxy);
-    EXPECT_EQ(DWORD{RPC_C_AUTHN_WINNT}, proxy.blanket.authnService);
-    EXPECT_EQ(DWORD{RPC_C_AUTHZ_NONE}, proxy.blanket.authzService);
-    EXPECT_EQ(principal, proxy.blanket.principal);
-    EXPECT_EQ(DWORD{RPC_C_AUTHN_LEVEL_PKT}, proxy.blanket.authnLevel);
-    EXPECT_EQ(DWORD{RPC_C_IMP_LEVEL_IMPERSONATE}, proxy.blanket.impLevel);
-    EXPECT_EQ(&identity, proxy.blanket.identity);
-    EXPECT_EQ(DWORD{EOAC_NONE}, proxy.blanket.capabilities);
+    EXPECT_EQ(Proxy::Blanket(&proxy, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, principal, RPC_C_AUTHN_LEVEL_PKT,
+                             RPC_C_IMP_LEVEL_IMPERSONATE, &identity, EOAC_NONE),
+              proxy.blanket);
   }
-}
-
-TEST(ProxyBlanket, AnObjectWithoutSecurityHasNone) {
-  CountedObject object;
+  contract::CountedObject withoutSecurity;
   EXPECT_EQ(E_NOINTERFACE,
-            CoSetProxyBlanket(&object, RPC_C_AUTHN_DEFAULT, RPC_C_AUTHZ_NONE, nullptr, RPC_C_AUTHN_LEVEL_DEFAULT,
-                              RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE));
-  EXPECT_EQ(0U, object.references());
+            CoSetProxyBlanket(&withoutSecurity, RPC_C_AUTHN_DEFAULT, RPC_C_AUTHZ_NONE, nullptr,
+                              RPC_C_AUTHN_LEVEL_DEFAULT, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE));
+  EXPECT_EQ(0U, withoutSecurity.references());
 }
 
 } // namespace

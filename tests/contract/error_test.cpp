@@ -10,14 +10,9 @@
 
 namespace {
 
-using contract::kUntouchedError;
-using contract::LastErrorOnly;
-using contract::SetMarkers;
-
-DWORD Format(DWORD code, wchar_t* buffer, DWORD size) {
-  SetMarkers();
-  return FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, code, 0, buffer, size, nullptr);
-}
+using contract::Fails;
+using contract::Left;
+using contract::Succeeds;
 
 TEST(LastError, EachThreadHasItsOwn) {
   std::atomic<bool> go = false;
@@ -36,17 +31,20 @@ TEST(LastError, EachThreadHasItsOwn) {
   other.join();
 }
 
+Left Format(DWORD code, wchar_t* buffer, DWORD size) {
+  return contract::Try(
+      [&] { return FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, code, 0, buffer, size, nullptr); });
+}
+
 TEST(SystemMessage, CodesInUseHaveATextThatEndsTheLine) {
   constexpr DWORD kCodes[] = {0,   1,   2,   3,   5,   6,   8,   13,  14,  18,  19,   32,   33,   50,   80,   82,  87,
                               112, 122, 123, 145, 183, 206, 234, 259, 267, 995, 1008, 1053, 1060, 1113, 1450, 1455};
   for (const DWORD code : kCodes) {
     wchar_t buffer[1024] = {};
-    const DWORD length = Format(code, buffer, 1024);
+    const Left left = Format(code, buffer, 1024);
     const std::wstring text(buffer);
-    EXPECT_EQ(kUntouchedError, LastErrorOnly()) << code;
-    EXPECT_EQ(text.size(), length) << code;
-    EXPECT_GT(length, 2U) << code;
-    EXPECT_EQ(L"\r\n", text.substr(text.size() < 2 ? 0 : text.size() - 2)) << code;
+    EXPECT_EQ(Succeeds(static_cast<int>(text.size())), left) << code;
+    EXPECT_TRUE(text.size() > 2 && text.ends_with(L"\r\n")) << code;
   }
 }
 
@@ -66,6 +64,7 @@ TEST(SystemMessage, Wording) {
       {ERROR_INVALID_PARAMETER, L"The parameter is incorrect.\r\n"},
       {ERROR_ALREADY_EXISTS, L"Cannot create a file when that file already exists.\r\n"},
       {ERROR_MORE_DATA, L"More data is available.\r\n"},
+      {0x80070005, L"Access is denied.\r\n"}, // the HRESULT that wraps the error
   };
   for (const auto& row : rows) {
     wchar_t buffer[1024] = {};
@@ -76,30 +75,14 @@ TEST(SystemMessage, Wording) {
 
 TEST(SystemMessage, Failures) {
   wchar_t buffer[1024] = {};
-  const DWORD length = Format(ERROR_FILE_NOT_FOUND, buffer, 1024);
-  struct {
-    DWORD code;
-    DWORD size;
-    DWORD result;
-    DWORD lastError;
-  } const rows[] = {
-      {ERROR_FILE_NOT_FOUND, length + 1, length, kUntouchedError},
-      {ERROR_FILE_NOT_FOUND, length, 0, ERROR_INSUFFICIENT_BUFFER},
-      {ERROR_FILE_NOT_FOUND, 0, 0, ERROR_INSUFFICIENT_BUFFER},
-      {0x80041001, 1024, 0, ERROR_MR_MID_NOT_FOUND},
-      {0x12345678, 1024, 0, ERROR_MR_MID_NOT_FOUND},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(row.result, Format(row.code, buffer, row.size)) << row.code << " into " << row.size;
-    EXPECT_EQ(row.lastError, LastErrorOnly()) << row.code << " into " << row.size;
-  }
-  wchar_t sameError[1024] = {};
-  Format(ERROR_ACCESS_DENIED, buffer, 1024);
-  Format(0x80070005, sameError, 1024); // the HRESULT that wraps the error
-  EXPECT_EQ(std::wstring(buffer), sameError);
-  SetMarkers();
-  EXPECT_EQ(0U, FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, 2, 0, nullptr, 10, nullptr));
-  EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, LastErrorOnly());
+  const int length = Format(ERROR_FILE_NOT_FOUND, buffer, 1024).result;
+  const auto size = static_cast<DWORD>(length);
+  EXPECT_EQ(Succeeds(length), Format(ERROR_FILE_NOT_FOUND, buffer, size + 1));
+  EXPECT_EQ(Fails(ERROR_INSUFFICIENT_BUFFER), Format(ERROR_FILE_NOT_FOUND, buffer, size));
+  EXPECT_EQ(Fails(ERROR_INSUFFICIENT_BUFFER), Format(ERROR_FILE_NOT_FOUND, buffer, 0));
+  EXPECT_EQ(Fails(ERROR_MR_MID_NOT_FOUND), Format(0x80041001, buffer, 1024));
+  EXPECT_EQ(Fails(ERROR_MR_MID_NOT_FOUND), Format(0x12345678, buffer, 1024));
+  EXPECT_EQ(Fails(ERROR_INVALID_PARAMETER), Format(ERROR_FILE_NOT_FOUND, nullptr, 10));
 }
 
 } // namespace

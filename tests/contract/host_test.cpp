@@ -1,100 +1,70 @@
 #include "platform/devices.h"
-#include "platform/error.h"
 #include "platform/host.h"
 #include "tests/contract/support/markers.h"
 #include "tests/contract/support/system_under_test.h"
 
+#include <array>
+#include <bit>
 #include <chrono>
 #include <cwchar>
 #include <gtest/gtest.h>
-#include <string>
 
 namespace {
 
-using contract::kUntouchedError;
-using contract::LastErrorOnly;
-using contract::SetMarkers;
+using contract::Fails;
+using contract::Succeeds;
+using contract::Try;
 
 TEST(ComputerName, SizesAndErrors) {
   for (const COMPUTER_NAME_FORMAT form : {ComputerNameDnsHostname, ComputerNameDnsDomain}) {
     SCOPED_TRACE(static_cast<int>(form));
     wchar_t name[256] = {};
     DWORD size = 256;
-    SetMarkers();
-    ASSERT_NE(FALSE, GetComputerNameExW(form, name, &size));
-    EXPECT_EQ(kUntouchedError, LastErrorOnly());
+    const auto ask = [&](wchar_t* target, DWORD capacity) {
+      size = capacity;
+      return Try([&] { return GetComputerNameExW(form, target, &size) != FALSE; });
+    };
+    ASSERT_EQ(Succeeds(), ask(name, 256));
     const auto length = static_cast<DWORD>(std::wcslen(name));
     EXPECT_EQ(length, size);
-
-    DWORD measured = 0;
-    SetMarkers();
-    EXPECT_EQ(FALSE, GetComputerNameExW(form, nullptr, &measured));
-    EXPECT_EQ(DWORD{ERROR_MORE_DATA}, LastErrorOnly());
-    EXPECT_EQ(length + 1, measured);
-
-    DWORD oneShort = length;
-    SetMarkers();
-    EXPECT_EQ(FALSE, GetComputerNameExW(form, name, &oneShort));
-    EXPECT_EQ(DWORD{ERROR_MORE_DATA}, LastErrorOnly());
-    EXPECT_EQ(length + 1, oneShort);
-
-    DWORD exact = length + 1;
-    EXPECT_NE(FALSE, GetComputerNameExW(form, name, &exact));
-    EXPECT_EQ(length, exact);
+    EXPECT_EQ(Fails(ERROR_MORE_DATA), ask(nullptr, 0)); // measures, with the terminator
+    EXPECT_EQ(length + 1, size);
+    EXPECT_EQ(Fails(ERROR_MORE_DATA), ask(name, length));
+    EXPECT_EQ(length + 1, size);
+    EXPECT_EQ(Succeeds(), ask(name, length + 1));
+    EXPECT_EQ(length, size);
   }
-}
-
-TEST(ComputerName, UnknownFormsAreRefused) {
   wchar_t name[256] = {};
   DWORD size = 256;
-  SetMarkers();
-  EXPECT_EQ(FALSE, GetComputerNameExW(static_cast<COMPUTER_NAME_FORMAT>(8), name, &size));
-  EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, LastErrorOnly());
+  EXPECT_EQ(Fails(ERROR_INVALID_PARAMETER),
+            Try([&] { return GetComputerNameExW(static_cast<COMPUTER_NAME_FORMAT>(8), name, &size); }));
 }
-
-struct CalendarRow {
-  std::uint64_t fileTime;
-  SYSTEMTIME date; ///< year, month, day of week, day, hour, minute, second, milliseconds
-};
-
-constexpr CalendarRow kCalendarRows[] = {
-    {0, {1601, 1, 1, 1, 0, 0, 0, 0}},
-    {9999, {1601, 1, 1, 1, 0, 0, 0, 0}}, // below a millisecond
-    {10000, {1601, 1, 1, 1, 0, 0, 0, 1}},
-    {94405823990000000, {1900, 2, 3, 28, 23, 59, 59, 0}}, // 1900 has no leap day
-    {94405824000000000, {1900, 3, 4, 1, 0, 0, 0, 0}},
-    {116444736000000000, {1970, 1, 4, 1, 0, 0, 0, 0}},
-    {125962560000000000, {2000, 2, 2, 29, 0, 0, 0, 0}},
-    {159394408950000000, {2106, 2, 0, 7, 6, 28, 15, 0}}, // the last second of 32 bits
-    {0x7FFFFFFFFFFFFFFF, {30828, 9, 4, 14, 2, 48, 5, 477}},
-};
 
 TEST(FileTime, FollowsTheGregorianCalendar) {
-  for (const CalendarRow& row : kCalendarRows) {
-    SCOPED_TRACE(row.fileTime);
+  struct {
+    std::uint64_t fileTime;
+    SYSTEMTIME date; ///< year, month, day of week, day, hour, minute, second, milliseconds
+  } constexpr kRows[] = {
+      {0, {1601, 1, 1, 1, 0, 0, 0, 0}},
+      {9999, {1601, 1, 1, 1, 0, 0, 0, 0}}, // below a millisecond
+      {10000, {1601, 1, 1, 1, 0, 0, 0, 1}},
+      {94405823990000000, {1900, 2, 3, 28, 23, 59, 59, 0}}, // 1900 has no leap day
+      {94405824000000000, {1900, 3, 4, 1, 0, 0, 0, 0}},
+      {116444736000000000, {1970, 1, 4, 1, 0, 0, 0, 0}},
+      {125962560000000000, {2000, 2, 2, 29, 0, 0, 0, 0}},
+      {159394408950000000, {2106, 2, 0, 7, 6, 28, 15, 0}}, // the last second of 32 bits
+      {0x7FFFFFFFFFFFFFFF, {30828, 9, 4, 14, 2, 48, 5, 477}},
+  };
+  using Numbers = std::array<WORD, 8>;
+  SYSTEMTIME date = {};
+  for (const auto& row : kRows) {
     const FILETIME fileTime = {static_cast<DWORD>(row.fileTime), static_cast<DWORD>(row.fileTime >> 32U)};
-    SYSTEMTIME date = {};
-    SetMarkers();
-    ASSERT_NE(FALSE, FileTimeToSystemTime(&fileTime, &date));
-    EXPECT_EQ(kUntouchedError, LastErrorOnly());
-    EXPECT_EQ(row.date.wYear, date.wYear);
-    EXPECT_EQ(row.date.wMonth, date.wMonth);
-    EXPECT_EQ(row.date.wDayOfWeek, date.wDayOfWeek);
-    EXPECT_EQ(row.date.wDay, date.wDay);
-    EXPECT_EQ(row.date.wHour, date.wHour);
-    EXPECT_EQ(row.date.wMinute, date.wMinute);
-    EXPECT_EQ(row.date.wSecond, date.wSecond);
-    EXPECT_EQ(row.date.wMilliseconds, date.wMilliseconds);
+    ASSERT_EQ(Succeeds(), Try([&] { return FileTimeToSystemTime(&fileTime, &date) != FALSE; }));
+    EXPECT_EQ(std::bit_cast<Numbers>(row.date), std::bit_cast<Numbers>(date)) << row.fileTime;
   }
-}
-
-TEST(FileTime, TheUpperHalfIsRefused) {
   for (const DWORD high : {0x80000000U, 0xFFFFFFFFU}) {
     const FILETIME fileTime = {0, high};
-    SYSTEMTIME date = {};
-    SetMarkers();
-    EXPECT_EQ(FALSE, FileTimeToSystemTime(&fileTime, &date));
-    EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, LastErrorOnly());
+    EXPECT_EQ(Fails(ERROR_INVALID_PARAMETER), Try([&] { return FileTimeToSystemTime(&fileTime, &date); }));
   }
 }
 

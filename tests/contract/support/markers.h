@@ -22,4 +22,30 @@ inline DWORD LastErrorOnly() {
   return GetLastError();
 }
 
+/// What a call gives, and the last error that it leaves.
+struct Left {
+  int result;
+  DWORD lastError;
+  bool operator==(const Left&) const = default;
+};
+
+template <class Call>
+Left Try(const Call& call) {
+  SetMarkers();
+  const auto result = static_cast<int>(call());
+  return {result, LastErrorOnly()};
+}
+
+/// A call that succeeds leaves the last error alone; one that fails gives 0 and sets it.
+inline Left Succeeds(int result = 1) {
+  return {result, kUntouchedError};
+}
+inline Left Fails(DWORD error) {
+  return {0, error};
+}
+
+inline std::ostream& operator<<(std::ostream& out, const Left& left) {
+  return out << left.result << " with the last error " << left.lastError;
+}
+
 } // namespace contract
