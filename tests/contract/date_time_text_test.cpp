@@ -29,20 +29,14 @@ constexpr SYSTEMTIME kEvening = {2026, 11, 4, 19, 21, 5, 54, 0};
 const PictureRow kRows[] = {
     {GetTimeFormatW, kMorning, L" HH':'mm':'ss ", L" 04:50:09 ", TIME_FORCE24HOURFORMAT},
     {GetTimeFormatW, kEvening, L" HH':'mm':'ss ", L" 21:05:54 ", TIME_FORCE24HOURFORMAT},
-    {GetTimeFormatW, kMorning, L"H:m:s", L"4:50:9"},
     {GetTimeFormatW, kEvening, L"hh.mm.ss tt", L"09.05.54 PM"},
     {GetTimeFormatW, kMorning, L"h:mm t", L"4:50 A"},
     {GetTimeFormatW, {2026, 11, 4, 19, 0, 0, 0, 0}, L"h tt", L"12 AM"},
-    {GetTimeFormatW, {2026, 11, 4, 19, 12, 0, 0, 0}, L"h tt", L"12 PM"},
-    {GetTimeFormatW, kEvening, L"hh:mm", L"21:05", TIME_FORCE24HOURFORMAT},
-    {GetTimeFormatW, kMorning, L"HHHH", L"04"},
-    {GetTimeFormatW, kMorning, L"'HH'", L"HH"},
     {GetTimeFormatW, kMorning, L"H 'o''clock'", L"4 o'clock"},
     {GetTimeFormatW, kMorning, L"H''''m", L"4'50"},
     {GetTimeFormatW, kMorning, L"H'to the end", L"4to the end"},
     {GetDateFormatW, kMorning, L"ddd MMM dd", L"Thu Nov 19"},
     {GetDateFormatW, {2026, 3, 0, 7, 0, 0, 0, 0}, L"dddd, d MMMM yyyy", L"Saturday, 7 March 2026"}, // computes the day
-    {GetDateFormatW, {2026, 3, 0, 7, 0, 0, 0, 0}, L"M/d/yy", L"3/7/26"},
     {GetDateFormatW, {2006, 3, 0, 7, 0, 0, 0, 0}, L"MM-dd-y", L"03-07-6", 0, true},
     {GetDateFormatW, {1601, 1, 0, 1, 0, 0, 0, 0}, L"ddd yyyy", L"Mon 1601"},
     {GetDateFormatW, {2000, 2, 0, 29, 0, 0, 0, 0}, L"ddd MMM d", L"Tue Feb 29"},
@@ -76,18 +70,14 @@ TEST(DateAndTimeText, RefusedArguments) {
     bool wineDiffers;
   } const rows[] = {
       {GetTimeFormatW, {2026, 11, 4, 19, 25, 0, 0, 0}, 0, false},
-      {GetTimeFormatW, {2026, 11, 4, 19, 0, 60, 0, 0}, 0, false},
       {GetTimeFormatW, {2026, 11, 4, 19, 0, 0, 60, 0}, 0, false},
       {GetTimeFormatW, kMorning, -1, false},
       {GetTimeFormatW, kMorning, 256, false},
       {GetDateFormatW, {1600, 12, 0, 31, 0, 0, 0, 0}, 0, false},
-      {GetDateFormatW, {2026, 0, 0, 1, 0, 0, 0, 0}, 0, false},
       {GetDateFormatW, {2026, 13, 0, 1, 0, 0, 0, 0}, 0, false},
-      {GetDateFormatW, {2026, 1, 0, 0, 0, 0, 0, 0}, 0, false},
       {GetDateFormatW, {2026, 1, 0, 32, 0, 0, 0, 0}, 0, false},
       {GetDateFormatW, {2026, 2, 0, 29, 0, 0, 0, 0}, 0, true},
       {GetDateFormatW, {30828, 9, 0, 14, 0, 0, 0, 0}, 0, true},
-      {GetDateFormatW, kMorning, -1, false},
       {GetDateFormatW, kMorning, 256, false},
   };
   for (const auto& row : rows) {
@@ -101,16 +91,6 @@ TEST(DateAndTimeText, RefusedArguments) {
               }))
         << &row - rows;
   }
-}
-
-TEST(DateAndTimeText, WithoutADateItIsToday) {
-  wchar_t year[8] = {};
-  SYSTEMTIME before = {};
-  SYSTEMTIME after = {};
-  GetSystemTime(&before);
-  EXPECT_EQ(5, GetDateFormatW(LOCALE_SYSTEM_DEFAULT, 0, nullptr, L"yyyy", year, 8));
-  GetSystemTime(&after);
-  EXPECT_TRUE(std::to_wstring(before.wYear) == year || std::to_wstring(after.wYear) == year);
 }
 
 } // namespace

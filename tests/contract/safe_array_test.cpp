@@ -3,57 +3,55 @@
 
 #include <cstdint>
 #include <gtest/gtest.h>
-#include <string>
+#include <tuple>
+#include <vector>
 
 namespace {
 
-using contract::CountedObject;
+SAFEARRAY* Make(VARTYPE type, ULONG elements, LONG lower = 0) {
+  SAFEARRAYBOUND bound = {elements, lower};
+  SAFEARRAY* array = SafeArrayCreate(type, 1, &bound);
+  EXPECT_NE(nullptr, array);
+  return array;
+}
 
 TEST(SafeArray, BoundsTypeAndElementSize) {
   struct {
     VARTYPE type;
-    SAFEARRAYBOUND bound;
+    ULONG elements;
+    LONG lower;
     LONG upper;
     ULONG elementBytes;
-  } const rows[] = {
-      {VT_UI1, {5, 0}, 4, 1}, {VT_I2, {1, 7}, 7, 2},       {VT_BOOL, {3, 0}, 2, 2},    {VT_I4, {4, -2}, 1, 4},
-      {VT_R8, {2, 1}, 2, 8},  {VT_BSTR, {2, 0}, 1, 8},     {VT_UNKNOWN, {9, 0}, 8, 8}, {VT_I4, {0, 0}, -1, 4},
-      {VT_I4, {0, 5}, 4, 4},  {VT_UNKNOWN, {0, 0}, -1, 8},
-  };
+  } const rows[] = {{VT_UI1, 5, 0, 4, 1}, {VT_I2, 1, 7, 7, 2}, {VT_BOOL, 3, 0, 2, 2},
+                    {VT_I4, 4, -2, 1, 4}, {VT_R8, 2, 1, 2, 8}, {VT_BSTR, 2, 0, 1, 8},
+                    {VT_I4, 0, 0, -1, 4}, {VT_I4, 0, 5, 4, 4}, {VT_UNKNOWN, 9, 0, 8, 8}};
   for (const auto& row : rows) {
-    SAFEARRAYBOUND bound = row.bound;
-    SAFEARRAY* array = SafeArrayCreate(row.type, 1, &bound);
-    ASSERT_NE(nullptr, array);
+    SCOPED_TRACE(&row - rows);
+    SAFEARRAY* array = Make(row.type, row.elements, row.lower);
     LONG lower = 99;
     LONG upper = 99;
     VARTYPE type = VT_EMPTY;
     EXPECT_EQ(S_OK, SafeArrayGetLBound(array, 1, &lower));
     EXPECT_EQ(S_OK, SafeArrayGetUBound(array, 1, &upper));
     EXPECT_EQ(S_OK, SafeArrayGetVartype(array, &type));
-    EXPECT_EQ(row.bound.lLbound, lower);
-    EXPECT_EQ(row.upper, upper);
-    EXPECT_EQ(row.type, type);
+    EXPECT_EQ(std::tuple(row.lower, row.upper, row.type), std::tuple(lower, upper, type));
     EXPECT_EQ(row.elementBytes, array->cbElements);
-    EXPECT_EQ(1, array->cDims);
-    EXPECT_EQ(row.bound.cElements, array->rgsabound[0].cElements);
+    EXPECT_EQ(row.elements, array->rgsabound[0].cElements);
     EXPECT_EQ(S_OK, SafeArrayDestroy(array));
   }
 }
 
 TEST(SafeArray, WhatCannotBeMade) {
   SAFEARRAYBOUND bound = {1, 0};
-  EXPECT_EQ(nullptr, SafeArrayCreate(VT_EMPTY, 1, &bound));
-  EXPECT_EQ(nullptr, SafeArrayCreate(VT_NULL, 1, &bound));
-  EXPECT_EQ(nullptr, SafeArrayCreate(15, 1, &bound));
-  EXPECT_EQ(nullptr, SafeArrayCreate(VT_ARRAY | VT_I4, 1, &bound));
+  for (const int type : {int{VT_EMPTY}, int{VT_NULL}, 15, VT_ARRAY | VT_I4}) {
+    EXPECT_EQ(nullptr, SafeArrayCreate(static_cast<VARTYPE>(type), 1, &bound)) << type;
+  }
   EXPECT_EQ(nullptr, SafeArrayCreate(VT_I4, 0, &bound));
   EXPECT_EQ(nullptr, SafeArrayCreate(VT_I4, 1, nullptr));
 }
 
 TEST(SafeArray, WrongArgumentsAndIndexes) {
-  SAFEARRAYBOUND bound = {3, 10};
-  SAFEARRAY* array = SafeArrayCreate(VT_I4, 1, &bound);
-  ASSERT_NE(nullptr, array);
+  SAFEARRAY* array = Make(VT_I4, 3, 10);
   LONG value = 7;
   void* data = nullptr;
   VARTYPE type = VT_EMPTY;
@@ -73,51 +71,40 @@ TEST(SafeArray, WrongArgumentsAndIndexes) {
   EXPECT_EQ(S_OK, SafeArrayDestroy(array));
 }
 
-TEST(SafeArray, PlainElementsStartAsZeroAndAreStoredByValue) {
-  SAFEARRAYBOUND bound = {3, 10};
-  SAFEARRAY* array = SafeArrayCreate(VT_I4, 1, &bound);
-  ASSERT_NE(nullptr, array);
+TEST(SafeArray, ElementsStartAsZeroAndAreCopied) {
+  SAFEARRAY* numbers = Make(VT_I4, 3, 10);
   LONG value = 7;
   LONG index = 12;
-  EXPECT_EQ(S_OK, SafeArrayPutElement(array, &index, &value));
-  void* data = nullptr;
-  ASSERT_EQ(S_OK, SafeArrayAccessData(array, &data));
-  const auto* elements = static_cast<const LONG*>(data);
-  EXPECT_EQ(0, elements[0]);
-  EXPECT_EQ(0, elements[1]);
-  EXPECT_EQ(7, elements[2]);
-  EXPECT_EQ(S_OK, SafeArrayUnaccessData(array));
-  EXPECT_EQ(S_OK, SafeArrayDestroy(array));
-}
-
-TEST(SafeArray, TextsAreCopied) {
-  SAFEARRAYBOUND bound = {2, 0};
-  SAFEARRAY* array = SafeArrayCreate(VT_BSTR, 1, &bound);
-  ASSERT_NE(nullptr, array);
+  EXPECT_EQ(S_OK, SafeArrayPutElement(numbers, &index, &value));
+  SAFEARRAY* texts = Make(VT_BSTR, 2);
   BSTR text = SysAllocString(L"first");
-  LONG index = 0;
-  EXPECT_EQ(S_OK, SafeArrayPutElement(array, &index, text));
-  EXPECT_EQ(S_OK, SafeArrayPutElement(array, &index, text)); // in place of the one there
+  index = 0;
+  EXPECT_EQ(S_OK, SafeArrayPutElement(texts, &index, text));
+  EXPECT_EQ(S_OK, SafeArrayPutElement(texts, &index, text)); // in place of the one there
   SAFEARRAY* copy = nullptr;
-  ASSERT_EQ(S_OK, SafeArrayCopy(array, &copy));
-  EXPECT_EQ(S_OK, SafeArrayDestroy(array));
+  ASSERT_EQ(S_OK, SafeArrayCopy(texts, &copy));
+  EXPECT_EQ(S_OK, SafeArrayDestroy(texts));
+
   void* data = nullptr;
+  ASSERT_EQ(S_OK, SafeArrayAccessData(numbers, &data));
+  const auto* plain = static_cast<const LONG*>(data);
+  EXPECT_EQ(std::vector<LONG>({0, 0, 7}), std::vector<LONG>(plain, plain + 3));
   ASSERT_EQ(S_OK, SafeArrayAccessData(copy, &data));
   BSTR* elements = static_cast<BSTR*>(data);
   EXPECT_NE(text, elements[0]);
   EXPECT_STREQ(L"first", elements[0]);
   EXPECT_EQ(nullptr, elements[1]);
   SysFreeString(text);
-  EXPECT_EQ(S_OK, SafeArrayUnaccessData(copy));
-  EXPECT_EQ(S_OK, SafeArrayDestroy(copy));
+  for (SAFEARRAY* array : {numbers, copy}) {
+    EXPECT_EQ(S_OK, SafeArrayUnaccessData(array));
+    EXPECT_EQ(S_OK, SafeArrayDestroy(array));
+  }
 }
 
 TEST(SafeArray, InterfacesAreReferenced) {
-  CountedObject first;
-  CountedObject second;
-  SAFEARRAYBOUND bound = {3, 0};
-  SAFEARRAY* array = SafeArrayCreate(VT_UNKNOWN, 1, &bound);
-  ASSERT_NE(nullptr, array);
+  contract::CountedObject first;
+  contract::CountedObject second;
+  SAFEARRAY* array = Make(VT_UNKNOWN, 3);
   LONG index = 1;
   EXPECT_EQ(S_OK, SafeArrayPutElement(array, &index, &first));
   EXPECT_EQ(1U, first.references());
@@ -129,9 +116,7 @@ TEST(SafeArray, InterfacesAreReferenced) {
 }
 
 TEST(SafeArray, AccessLocksAndEachAccessIsUndone) {
-  SAFEARRAYBOUND bound = {4, 0};
-  SAFEARRAY* array = SafeArrayCreate(VT_UI1, 1, &bound);
-  ASSERT_NE(nullptr, array);
+  SAFEARRAY* array = Make(VT_UI1, 4);
   void* first = nullptr;
   void* second = nullptr;
   EXPECT_EQ(S_OK, SafeArrayAccessData(array, &first));

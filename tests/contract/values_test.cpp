@@ -11,41 +11,30 @@
 
 namespace {
 
-using contract::CountedObject;
-
 TEST(Bstr, TheBytesOfTheTextStandBeforeIt) {
-  struct {
-    BSTR text;
-    std::wstring content;
-  } const rows[] = {
+  const std::pair<BSTR, std::wstring> rows[] = {
       {SysAllocString(L"a text"), L"a text"},
       {SysAllocString(L""), L""},
       {SysAllocStringLen(L"a\0b", 3), std::wstring(L"a\0b", 3)},
       {SysAllocStringLen(L"cut here", 3), L"cut"},
-      {SysAllocStringLen(L"", 0), L""},
   };
-  for (const auto& row : rows) {
-    ASSERT_NE(nullptr, row.text);
+  for (const auto& [text, content] : rows) {
+    ASSERT_NE(nullptr, text);
     std::uint32_t bytes = 0;
-    std::memcpy(&bytes, reinterpret_cast<const char*>(row.text) - 4, sizeof(bytes));
-    EXPECT_EQ(row.content.size() * sizeof(OLECHAR), bytes);
-    EXPECT_EQ(row.content.size(), SysStringLen(row.text));
-    EXPECT_EQ(row.content, std::wstring(row.text, SysStringLen(row.text)));
-    EXPECT_EQ(L'\0', row.text[row.content.size()]);
-    SysFreeString(row.text);
+    std::memcpy(&bytes, reinterpret_cast<const char*>(text) - 4, sizeof(bytes));
+    EXPECT_EQ(content.size() * sizeof(OLECHAR), bytes);
+    EXPECT_EQ(content, std::wstring(text, SysStringLen(text)));
+    EXPECT_EQ(L'\0', text[content.size()]);
+    SysFreeString(text);
   }
 }
 
-TEST(Bstr, None) {
+TEST(Bstr, WithoutAText) {
   EXPECT_EQ(nullptr, SysAllocString(nullptr));
   EXPECT_EQ(0U, SysStringLen(nullptr));
   SysFreeString(nullptr);
-}
-
-TEST(Bstr, WithoutATextToCopyItIsTerminatedAllTheSame) {
   BSTR text = SysAllocStringLen(nullptr, 5);
-  ASSERT_NE(nullptr, text);
-  EXPECT_EQ(5U, SysStringLen(text));
+  ASSERT_EQ(5U, SysStringLen(text));
   EXPECT_EQ(L'\0', text[5]);
   SysFreeString(text);
 }
@@ -58,92 +47,59 @@ VARIANT Typed(unsigned type) {
 }
 
 TEST(Variant, WhichTypesItMayHave) {
-  struct {
-    unsigned type;
-    HRESULT result;
-  } const rows[] = {
-      {VT_EMPTY, S_OK},
-      {VT_NULL, S_OK},
-      {VT_I2, S_OK},
-      {VT_I4, S_OK},
-      {VT_R4, S_OK},
-      {VT_R8, S_OK},
-      {VT_BSTR, S_OK},
-      {VT_BOOL, S_OK},
-      {VT_UNKNOWN, S_OK},
-      {VT_DISPATCH, S_OK},
-      {VT_UI1, S_OK},
-      {VT_UI4, S_OK},
-      {23, S_OK},
-      {VT_ARRAY | VT_UNKNOWN, S_OK},
-      {VT_ARRAY | VT_UI1, S_OK},
-      {15, DISP_E_BADVARTYPE},
-      {24, DISP_E_BADVARTYPE},
-      {101, DISP_E_BADVARTYPE},
-      {0x0FFF, DISP_E_BADVARTYPE},
-      {VT_ARRAY | VT_EMPTY, DISP_E_BADVARTYPE},
-      {VT_ARRAY | VT_NULL, DISP_E_BADVARTYPE},
-      {0x1000 | VT_I4, DISP_E_BADVARTYPE},
-      {0x8000 | VT_I4, DISP_E_BADVARTYPE},
-      {0xFFFF, DISP_E_BADVARTYPE},
+  const std::pair<HRESULT, std::vector<unsigned>> rows[] = {
+      {S_OK,
+       {VT_EMPTY, VT_NULL, VT_I2, VT_I4, VT_R4, VT_R8, VT_BSTR, VT_BOOL, VT_UNKNOWN, VT_DISPATCH, VT_UI1, VT_UI4, 23,
+        VT_ARRAY | VT_UNKNOWN, VT_ARRAY | VT_UI1}},
+      {DISP_E_BADVARTYPE,
+       {15, 24, 101, 0x0FFF, VT_ARRAY | VT_EMPTY, VT_ARRAY | VT_NULL, 0x1000 | VT_I4, 0x8000 | VT_I4, 0xFFFF}},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.type);
-    VARIANT variant = Typed(row.type);
-    EXPECT_EQ(row.result, VariantClear(&variant));
-    EXPECT_EQ(row.result == S_OK ? unsigned{VT_EMPTY} : row.type, variant.vt);
-    VARIANT source = Typed(row.type);
-    VARIANT target = Typed(VT_NULL);
-    EXPECT_EQ(row.result, VariantCopy(&target, &source));
-    EXPECT_EQ(row.result == S_OK ? row.type : unsigned{VT_NULL}, target.vt);
+  for (const auto& [result, types] : rows) {
+    for (const unsigned type : types) {
+      VARIANT source = Typed(type);
+      VARIANT target = Typed(VT_NULL);
+      EXPECT_EQ(result, VariantCopy(&target, &source)) << type;
+      EXPECT_EQ(result == S_OK ? type : unsigned{VT_NULL}, target.vt);
+      EXPECT_EQ(result, VariantClear(&source)) << type;
+      EXPECT_EQ(result == S_OK ? unsigned{VT_EMPTY} : type, source.vt);
+    }
   }
 }
 
-TEST(Variant, PlainValuesAreCopied) {
+TEST(Variant, ValuesAreCopiedWhole) {
   VARIANT source = Typed(VT_R8);
   source.dblVal = 0.25;
   VARIANT target = Typed(VT_EMPTY);
   EXPECT_EQ(S_OK, VariantCopy(&target, &source));
-  EXPECT_EQ(0.25, target.dblVal);
   EXPECT_EQ(S_OK, VariantCopy(&target, &target));
   EXPECT_EQ(0.25, target.dblVal);
-}
 
-TEST(Variant, ATextIsCopiedWithItsWholeLength) {
-  VARIANT source = Typed(VT_BSTR);
+  source = Typed(VT_BSTR);
   source.bstrVal = SysAllocStringLen(L"a\0b", 3);
-  VARIANT target = Typed(VT_EMPTY);
   ASSERT_EQ(S_OK, VariantCopy(&target, &source));
   EXPECT_NE(source.bstrVal, target.bstrVal);
-  EXPECT_EQ(std::wstring(L"a\0b", 3), std::wstring(target.bstrVal, SysStringLen(target.bstrVal)));
   EXPECT_EQ(S_OK, VariantClear(&source));
+  EXPECT_EQ(std::wstring(L"a\0b", 3), std::wstring(target.bstrVal, SysStringLen(target.bstrVal)));
   EXPECT_EQ(S_OK, VariantClear(&target));
 }
 
-TEST(Variant, AnInterfaceGainsAndLosesReferences) {
-  CountedObject object;
+TEST(Variant, ObjectsGainAndLoseReferences) {
+  contract::CountedObject object;
   VARIANT source = Typed(VT_UNKNOWN);
   source.punkVal = &object;
   object.AddRef();
   VARIANT target = Typed(VT_EMPTY);
   EXPECT_EQ(S_OK, VariantCopy(&target, &source));
   EXPECT_EQ(2U, object.references());
-  VARIANT number = Typed(VT_I4);
-  EXPECT_EQ(S_OK, VariantCopy(&target, &number)); // what the target held is released
-  EXPECT_EQ(1U, object.references());
   EXPECT_EQ(S_OK, VariantClear(&source));
-  EXPECT_EQ(0U, object.references());
-}
 
-TEST(Variant, AnArrayOfObjectsIsCopiedWhole) {
-  CountedObject object;
   SAFEARRAYBOUND bound = {2, 0};
-  VARIANT source = Typed(VT_ARRAY | VT_UNKNOWN);
+  source = Typed(VT_ARRAY | VT_UNKNOWN);
   source.parray = SafeArrayCreate(VT_UNKNOWN, 1, &bound);
   LONG first = 0;
   ASSERT_EQ(S_OK, SafeArrayPutElement(source.parray, &first, &object));
-  VARIANT target = Typed(VT_EMPTY);
-  ASSERT_EQ(S_OK, VariantCopy(&target, &source));
+  EXPECT_EQ(2U, object.references());
+  ASSERT_EQ(S_OK, VariantCopy(&target, &source)); // what the target held is released
   EXPECT_NE(source.parray, target.parray);
   EXPECT_EQ(2U, object.references());
   EXPECT_EQ(S_OK, VariantClear(&source));
@@ -159,13 +115,11 @@ TEST(Variant, ALockedArrayStays) {
   void* data = nullptr;
   ASSERT_EQ(S_OK, SafeArrayAccessData(variant.parray, &data));
   EXPECT_EQ(DISP_E_ARRAYISLOCKED, VariantClear(&variant));
-  if (contract::RunsUnderWine()) { // it forgets the array all the same
-    variant.vt = VT_ARRAY | VT_UI1;
-  }
-  EXPECT_EQ(VT_ARRAY | VT_UI1, variant.vt);
+  EXPECT_TRUE(variant.vt == (VT_ARRAY | VT_UI1) || contract::RunsUnderWine()); // which forgets the array all the same
+  variant.vt = VT_ARRAY | VT_UI1;
   VARIANT copy = Typed(VT_EMPTY);
-  EXPECT_EQ(S_OK, VariantCopy(&copy, &variant)); // a copy is not locked
-  EXPECT_EQ(S_OK, VariantClear(&copy));
+  EXPECT_EQ(S_OK, VariantCopy(&copy, &variant));
+  EXPECT_EQ(S_OK, VariantClear(&copy)); // a copy is not locked
   EXPECT_EQ(S_OK, SafeArrayUnaccessData(variant.parray));
   EXPECT_EQ(S_OK, VariantClear(&variant));
 }
