@@ -27,31 +27,21 @@ HRESULT SetSecurity() {
                               nullptr, EOAC_NONE, nullptr);
 }
 
-TEST(ComStart, IsPerThreadAndCounted) {
+TEST(ComStart, IsPerThreadAndCountedAndNeededForObjects) {
+  EXPECT_EQ(CO_E_NOTINITIALIZED, CreateNoClass());
   EXPECT_EQ(S_OK, StartCom());
   EXPECT_EQ(S_FALSE, StartCom());
-  HRESULT ofOther = E_FAIL;
-  std::thread([&ofOther] {
-    ofOther = StartCom();
+  std::thread([] {
+    EXPECT_EQ(REGDB_E_CLASSNOTREG, CreateNoClass()); // though the thread has not started COM itself
+    EXPECT_EQ(S_OK, StartCom());
     CoUninitialize();
   }).join();
-  EXPECT_EQ(S_OK, ofOther);
   CoUninitialize();
   EXPECT_EQ(S_FALSE, StartCom());
   CoUninitialize();
-  CoUninitialize();
-  EXPECT_EQ(S_OK, StartCom());
-  CoUninitialize();
-}
-
-TEST(ComStart, ObjectsNeedItAndAClass) {
-  EXPECT_EQ(CO_E_NOTINITIALIZED, CreateNoClass());
-  ASSERT_EQ(S_OK, StartCom());
   EXPECT_EQ(REGDB_E_CLASSNOTREG, CreateNoClass());
-  HRESULT ofOther = S_OK;
-  std::thread([&ofOther] { ofOther = CreateNoClass(); }).join(); // a thread that has not started COM itself
-  EXPECT_EQ(REGDB_E_CLASSNOTREG, ofOther);
   CoUninitialize();
+  EXPECT_EQ(CO_E_NOTINITIALIZED, CreateNoClass());
   EXPECT_EQ(E_POINTER, CoCreateInstance(kNoClass, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, nullptr));
 }
 

@@ -48,7 +48,6 @@ TEST(Text, LengthsAndCapacities) {
       {CP_ACP, "abc", -1, 4, Succeeds(4), "abc"},  // exactly filled
       {CP_ACP, "abc", 3, 8, Succeeds(3), "abc##"}, // without it
       {CP_ACP, "abc", -1, 0, Succeeds(4), "#"},    // measured
-      {CP_ACP, "abc", 2, 0, Succeeds(2), "#"},
       {CP_ACP, "", -1, 8, Succeeds(1), ""},
       {CP_ACP, "abc", -7, 8, Succeeds(4), "abc"}, // every negative length means "to the terminator"
       {CP_ACP, "abc", -1, 3, Fails(ERROR_INSUFFICIENT_BUFFER), "abc#"},
@@ -111,13 +110,13 @@ TEST(Text, TheDefaultLocaleHasOneByteUpToU00FF) {
   } const rows[] = {
       {L"abc", 8, 3, "abc"},
       {L"abc", 0, 3, ""},
-      {L"abc", 3, 3, "abc#"}, // no room for the terminator
+      {L"abc", 3, 3, "abc#"},
       {L"abc", 2, 2, "ab#"},
       {L"", 8, 0, ""},
       {L"\xE9\xFF\x80", 8, 3, "\xE9\xFF\x80"},
       {L"a\x0100", 8, kFails, ""},
       {L"a\x20AC", 0, kFails, ""},
-      {L"a\x20AC", 1, 1, "a#"}, // never gets to the second
+      {L"a\x20AC", 1, 1, "a#"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(&row - rows);

@@ -24,21 +24,14 @@ using platform::ReplaceMachine;
 constexpr std::uint32_t kFaultCode = 0x80041234;
 
 /// Puts a test machine in place for the length of a test.
-class PlacedMachine {
-public:
-  PlacedMachine() {
-    auto machine = std::make_unique<TestMachine>();
-    m_machine = machine.get();
-    m_before = ReplaceMachine(std::move(machine));
-  }
-  PlacedMachine(const PlacedMachine&) = delete;
-  PlacedMachine& operator=(const PlacedMachine&) = delete;
-  ~PlacedMachine() { ReplaceMachine(std::move(m_before)); }
-  TestMachine* operator->() const { return m_machine; }
-
-private:
-  TestMachine* m_machine;
+class Machine : public testing::Test {
   std::unique_ptr<platform::Machine> m_before;
+
+protected:
+  Machine() : m_before(ReplaceMachine(contract::MakeTestMachine())) {}
+  ~Machine() override { ReplaceMachine(std::move(m_before)); }
+
+  TestMachine& machine = static_cast<TestMachine&>(platform::TheMachine());
 };
 
 /// How a call tells of a fault: with the code as its result, as the last error or errno beside a failed BOOL, count or
@@ -105,13 +98,12 @@ const FaultRow kFaultRows[] = {
     {"fopen", "no\\such", Tells::kErrno, [] { return Number(platform::OpenTextFile("no\\such", "r")); }},
 };
 
-TEST(Faults, ComeInPlaceOfTheCallWithItsNameAndTarget) {
+TEST_F(Machine, FaultsComeInPlaceOfTheCallWithItsNameAndTarget) {
   const std::map<Tells, int> errorNumbers = {{Tells::kErrno, static_cast<int>(kFaultCode)}, {Tells::kNoMemory, ENOMEM}};
   for (const FaultRow& row : kFaultRows) {
     SCOPED_TRACE(testing::Message() << row.operation << ' ' << row.target);
-    const PlacedMachine machine;
     int asked = 0;
-    machine->onFault = [&](std::string_view operation, std::string_view target) -> std::optional<std::uint32_t> {
+    machine.onFault = [&](std::string_view operation, std::string_view target) -> std::optional<std::uint32_t> {
       errno = EIO; // of the machine's own, which must not come through
       if (operation != row.operation) {
         return std::nullopt;
@@ -130,12 +122,11 @@ TEST(Faults, ComeInPlaceOfTheCallWithItsNameAndTarget) {
   }
 }
 
-TEST(Machine, MayUseThePlatformWhileItMakesAnObject) {
-  const PlacedMachine machine;
-  machine->onFault = [](std::string_view operation, std::string_view) {
+TEST_F(Machine, MayUseThePlatformWhileItMakesAnObject) {
+  machine.onFault = [](std::string_view operation, std::string_view) {
     return operation == "SysAllocString" ? std::optional<std::uint32_t>(kFaultCode) : std::nullopt;
   };
-  machine->onCreate = [](REFCLSID, REFIID riid, void** object) {
+  machine.onCreate = [](REFCLSID, REFIID riid, void** object) {
     { const MachineCode deeper; }
     EXPECT_TRUE(platform::Bstr(L"text")); // faults spare the machine's own code
     errno = EIO;
@@ -153,7 +144,7 @@ TEST(Machine, MayUseThePlatformWhileItMakesAnObject) {
   CoUninitialize();
 }
 
-TEST(Machine, IsMadeOnceForAllThreads) {
+TEST_F(Machine, IsMadeOnceForAllThreads) {
   auto before = ReplaceMachine(nullptr);
   std::vector<platform::Machine*> seen(4);
   {
@@ -200,8 +191,7 @@ TEST(LiveObjects, AreCountedByNameAndKind) {
   EXPECT_EQ(std::pair(bstrs, arrays), liveValues());
 }
 
-TEST(DeviceTree, OnlyItsLocalRootIsThere) {
-  const PlacedMachine machine;
+TEST_F(Machine, HasOnlyTheLocalRootOfTheDeviceTree) {
   wchar_t device[] = L"ROOT\\SYSTEM\\0000";
   int anotherMachine = 0;
   DEVINST node = 0;
