@@ -2,9 +2,7 @@
 
 #include "platform/text.h"
 
-#include <cinttypes>
 #include <climits>
-#include <cstdio>
 #include <cwchar>
 #include <new>
 
@@ -33,7 +31,10 @@ PointerText::PointerText(const void* pointer)
     : PointerText(static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(pointer))) {}
 
 PointerText::PointerText(std::uint64_t handle) {
-  std::snprintf(m_digits, sizeof m_digits, "%016" PRIX64, handle);
+  for (std::size_t place = sizeof m_digits - 1; place-- > 0; handle >>= 4) {
+    m_digits[place] = "0123456789ABCDEF"[handle & 0xF];
+  }
+  m_digits[sizeof m_digits - 1] = '\0';
 }
 
 } // namespace korvex

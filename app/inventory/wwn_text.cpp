@@ -8,6 +8,10 @@
 namespace korvex {
 
 void PrintWwnCharacters(const WwnCharacters& wwn) {
+  if (std::memchr(wwn.data(), 0, wwn.size()) == nullptr) {
+    Print("%.*s", static_cast<int>(wwn.size()), reinterpret_cast<const char*>(wwn.data()));
+    return;
+  }
   for (const std::uint8_t character : wwn) {
     Print("%c", character);
   }

@@ -68,17 +68,20 @@ void PrintPath(const MpgPathEntry& path) {
         static_cast<unsigned>(path.pathWeight));
 }
 
+/// All lines at once: large arrays have thousands of these blocks.
 void PrintPathDiagnostics(const MpgPathEntry& path) {
   const RecordScsiAddress& address = path.scsiAddress;
-  Print("            SCSIAddress: (%3x | %2x | %2x | %2x) \n", static_cast<unsigned>(address.port),
-        static_cast<unsigned>(address.path), static_cast<unsigned>(address.target), static_cast<unsigned>(address.lun));
-  Print("            LastGoodState: %-21.21s \n", AccessStateText(path.lastGoodState));
-  Print("            PreviousStatus: %-21.21s \n", AccessStateText(path.previousStatus));
-  Print("            RequestInProgress: %u \n", static_cast<unsigned>(path.requestsInProgress));
-  Print("            InternalState: 0x%x \n", static_cast<unsigned>(path.internalState));
-  Print("            Flags: (IN|BR|US|IR|PR|SN:  %c:%c:%c:%c:%c:%c)\n", YesNoLetter(path.flags[0]),
-        YesNoLetter(path.flags[1]), YesNoLetter(path.flags[2]), YesNoLetter(path.flags[3]), YesNoLetter(path.flags[4]),
-        YesNoLetter(path.flags[5]));
+  Print("            SCSIAddress: (%3x | %2x | %2x | %2x) \n"
+        "            LastGoodState: %-21.21s \n"
+        "            PreviousStatus: %-21.21s \n"
+        "            RequestInProgress: %u \n"
+        "            InternalState: 0x%x \n"
+        "            Flags: (IN|BR|US|IR|PR|SN:  %c:%c:%c:%c:%c:%c)\n",
+        static_cast<unsigned>(address.port), static_cast<unsigned>(address.path), static_cast<unsigned>(address.target),
+        static_cast<unsigned>(address.lun), AccessStateText(path.lastGoodState), AccessStateText(path.previousStatus),
+        static_cast<unsigned>(path.requestsInProgress), static_cast<unsigned>(path.internalState),
+        YesNoLetter(path.flags[0]), YesNoLetter(path.flags[1]), YesNoLetter(path.flags[2]), YesNoLetter(path.flags[3]),
+        YesNoLetter(path.flags[4]), YesNoLetter(path.flags[5]));
 }
 
 void PrintPaths(const MpgDeviceRecord& lun) {
