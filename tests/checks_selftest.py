@@ -7,7 +7,6 @@ import unittest
 
 import include_check
 from message_coverage import problems_of
-from message_formats import FormatError
 from message_sources import SourceError
 
 PRINTERS = """
@@ -48,9 +47,7 @@ class IncludeCheck(Trees):
             ("wmi/a.cpp", '"com.h"', False),
             ("wmi/a.cpp", "<vector>", True),
             ("wmi/a.cpp", "<windows.h>", False),
-            ("app/main.cpp", "<unistd.h>", False),
             ("platform/com.h", "<windows.h>", True),
-            ("platform/com.h", '"platform/posix/other.h"', False),
             ("platform/posix/a.cpp", '"simhost/host.h"', False),
             ("platform/posix/a.cpp", "<nlohmann/json.hpp>", False),
             ("simhost/a.cpp", '"platform/posix/machine.h"', True),
@@ -124,9 +121,8 @@ class MessageCoverage(Trees):
             self.problems("-", 'app/a.cpp: "one\\n"\n')
 
     def test_printing_that_cannot_be_followed_is_refused(self):
-        for call, error in (("Print(kText)", SourceError), (r'std::fputs("one\n", stdout)', SourceError),
-                            (r'Print("%ws\n", w)', FormatError), (r'Print("%p\n", p)', FormatError)):
-            with self.subTest(call=call), self.assertRaises(error):
+        for call in ("Print(kText)", r'std::fputs("one\n", stdout)', r'Print("%ws\n", w)', r'Print("%p\n", p)'):
+            with self.subTest(call=call), self.assertRaises(SourceError):
                 self.unprinted(call, "one\n")
 
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Fails for each message of the sources that no test has printed.
 
-    message_coverage.py PRINTED [ROOT]
+    message_coverage.py PRINTED
 
 PRINTED is the directory where transcripts and unit tests have left what they printed. The exceptions, each with its reason,
 stand in message_exceptions.txt; one that is printed after all fails too. Formats with no fixed text but blanks are exempt.
@@ -12,7 +12,7 @@ import pathlib
 import re
 import sys
 
-from message_formats import FormatError, fixed_text, unprinted_messages
+from message_formats import fixed_text, unprinted_messages
 from message_sources import SourceError, messages_of
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -20,8 +20,8 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 
 def main():
     try:
-        problems = problems_of(pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2]) if len(sys.argv) > 2 else ROOT)
-    except (SourceError, FormatError) as error:
+        problems = problems_of(pathlib.Path(sys.argv[1]), ROOT)
+    except SourceError as error:
         problems = [str(error)]
     print("\n".join(problems) or "all messages were printed")
     sys.exit(1 if problems else 0)

@@ -3,7 +3,7 @@
 import functools
 import re
 
-from message_sources import ERRORS, OUTPUT
+from message_sources import ERRORS, OUTPUT, SourceError
 
 _PIECE = re.compile(r"%(?P<flags>[-+ #0]*)(?P<width>\*|\d+)?(?:\.(?:\*|\d+)?)?(?:hh|h|ll|l|j|z|t|L)?(?P<kind>[diouxXsc%])"
                     "|(?P<text>[^%]+)|(?P<wrong>.)")
@@ -13,16 +13,12 @@ _ANY_TEXT = r"[^\n]*(?:\r\n)?"
 _SAMPLES = {"s": "", "c": "c", "%": "%", **dict.fromkeys(_DIGITS, "1")}
 
 
-class FormatError(Exception):
-    """A conversion that does not print the same everywhere."""
-
-
 def _turned(text, conversion, fixed=str):
     """A format with each conversion and fixed text turned into something else."""
     pieces = []
     for piece in _PIECE.finditer(text):
         if piece["wrong"]:
-            raise FormatError(f"{text!r} has a conversion that does not print the same everywhere")
+            raise SourceError(f"{text!r} has a conversion that does not print the same everywhere")
         pieces.append(conversion(piece) if piece["kind"] else fixed(piece["text"]))
     return "".join(pieces)
 

@@ -85,8 +85,7 @@ def _print_functions(calls):
         place = len(call.arguments) - 2
         if not re.fullmatch(r"const char \* \w+", _text(call.arguments[place])):
             raise SourceError(f"{name}:{call.line}: {call.name} is variadic but its format is no const char*")
-        if printers.setdefault(call.name, place) != place:
-            raise SourceError(f"{name}:{call.line}: two functions {call.name} have their formats at different places")
+        printers[call.name] = place
     return printers
 
 

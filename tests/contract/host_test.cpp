@@ -204,32 +204,24 @@ TEST(DateAndTimeText, Pictures) {
 }
 
 TEST(DateAndTimeText, RefusedArguments) {
-  struct {
-    Formatter format;
-    SYSTEMTIME time;
-    int capacity; ///< without a buffer, unless 0
-    bool wineDiffers;
-  } const rows[] = {
-      {GetTimeFormatW, {2026, 11, 4, 19, 25, 0, 0, 0}, 0, false},
-      {GetTimeFormatW, kMorning, -1, false},
-      {GetTimeFormatW, kMorning, 256, false},
-      {GetDateFormatW, {1600, 12, 0, 31, 0, 0, 0, 0}, 0, false},
-      {GetDateFormatW, {2026, 13, 0, 1, 0, 0, 0, 0}, 0, false},
-      {GetDateFormatW, {2026, 1, 0, 32, 0, 0, 0, 0}, 0, false},
-      {GetDateFormatW, {2026, 2, 0, 29, 0, 0, 0, 0}, 0, true},
-      {GetDateFormatW, kMorning, 256, false},
-  };
-  for (const auto& row : rows) {
-    if (row.wineDiffers && contract::RunsUnderWine()) {
-      continue;
-    }
+  const auto format = [](Formatter formatter, const SYSTEMTIME& time, int capacity) {
     wchar_t text[256] = {};
-    EXPECT_EQ(Fails(ERROR_INVALID_PARAMETER), Try([&] {
-                return row.format(LOCALE_SYSTEM_DEFAULT, 0, &row.time, L"'text'", row.capacity == 0 ? text : nullptr,
-                                  row.capacity);
-              }))
-        << &row - rows;
+    wchar_t* target = capacity == 0 ? text : nullptr;
+    return Try([&] { return formatter(LOCALE_SYSTEM_DEFAULT, 0, &time, L"'text'", target, capacity); });
+  };
+  for (const SYSTEMTIME& time : {SYSTEMTIME{2026, 11, 4, 19, 25, 0, 0, 0}, SYSTEMTIME{2026, 11, 4, 19, 0, 60, 0, 0}}) {
+    EXPECT_EQ(Fails(ERROR_INVALID_PARAMETER), format(GetTimeFormatW, time, 0));
   }
+  const std::pair<SYSTEMTIME, bool> dates[] = {{{1600, 12, 0, 31, 0, 0, 0, 0}, false},
+                                               {{2026, 13, 0, 1, 0, 0, 0, 0}, false},
+                                               {{2026, 1, 0, 32, 0, 0, 0, 0}, false},
+                                               {{2026, 2, 0, 29, 0, 0, 0, 0}, true}};
+  for (const auto& [date, wineDiffers] : dates) {
+    EXPECT_TRUE(format(GetDateFormatW, date, 0) == Fails(ERROR_INVALID_PARAMETER) ||
+                (wineDiffers && contract::RunsUnderWine()));
+  }
+  EXPECT_EQ(Fails(ERROR_INVALID_PARAMETER), format(GetTimeFormatW, kMorning, -1));
+  EXPECT_EQ(Fails(ERROR_INVALID_PARAMETER), format(GetDateFormatW, kMorning, 256)); // without a buffer
 }
 
 } // namespace

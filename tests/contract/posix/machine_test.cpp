@@ -37,6 +37,7 @@ protected:
 /// How a call tells of a fault: with the code as its result, as the last error or errno beside a failed BOOL, count or
 /// pointer, or with the failed result alone.
 enum class Tells { kResult, kLastError, kErrno, kNothing, kNoMemory };
+using enum Tells;
 
 struct FaultRow {
   const char* operation;
@@ -67,39 +68,36 @@ contract::CountedObject gObject;
 const wchar_t kText[] = {L'c', L'a', L'f', 0xE9, L' ', 0xD83D, 0xDE00, L' ', 0xDE00, 0};
 
 const FaultRow kFaultRows[] = {
-    {"CoInitializeEx", "", Tells::kResult, [] { return Number(CoInitializeEx(nullptr, 0)); }},
-    {"CoInitializeSecurity", "", Tells::kResult,
+    {"CoInitializeEx", "", kResult, [] { return Number(CoInitializeEx(nullptr, 0)); }},
+    {"CoInitializeSecurity", "", kResult,
      [] { return Number(CoInitializeSecurity(nullptr, -1, nullptr, nullptr, 0, 0, nullptr, 0, nullptr)); }},
-    {"CoCreateInstance", "", Tells::kResult,
+    {"CoCreateInstance", "", kResult,
      [] { return Number(CoCreateInstance(IID_IUnknown, nullptr, 1, IID_IUnknown, &gPointer)); }},
-    {"CoSetProxyBlanket", "", Tells::kResult,
+    {"CoSetProxyBlanket", "", kResult,
      [] { return Number(CoSetProxyBlanket(&gObject, 0, 0, nullptr, 0, 0, nullptr, 0)); }},
-    {"SysAllocString", "caf\xC3\xA9 \xF0\x9F\x98\x80 \xEF\xBF\xBD", Tells::kNothing,
+    {"SysAllocString", "caf\xC3\xA9 \xF0\x9F\x98\x80 \xEF\xBF\xBD", kNothing,
      [] { return Number(platform::Bstr(kText).get()); }},
-    {"SafeArrayCreate", "", Tells::kNothing, [] { return Number(SafeArrayCreate(VT_I4, 1, &gBound)); }},
-    {"SafeArrayGetLBound", "", Tells::kResult, [] { return Number(SafeArrayGetLBound(&gArray, 1, &gLong)); }},
-    {"SafeArrayGetUBound", "", Tells::kResult, [] { return Number(SafeArrayGetUBound(&gArray, 1, &gLong)); }},
-    {"SafeArrayAccessData", "", Tells::kResult, [] { return Number(SafeArrayAccessData(&gArray, &gPointer)); }},
-    {"VariantCopy", "", Tells::kResult, [] { return Number(VariantCopy(&gVariant, &gVariant)); }},
-    {"AllocateStore", "a store", Tells::kNoMemory, [] { return Number(platform::AllocateStore("a store", 8)); }},
-    {"GetComputerNameExW", "ComputerNameDnsHostname", Tells::kLastError,
+    {"SafeArrayCreate", "", kNothing, [] { return Number(SafeArrayCreate(VT_I4, 1, &gBound)); }},
+    {"SafeArrayGetLBound", "", kResult, [] { return Number(SafeArrayGetLBound(&gArray, 1, &gLong)); }},
+    {"SafeArrayGetUBound", "", kResult, [] { return Number(SafeArrayGetUBound(&gArray, 1, &gLong)); }},
+    {"SafeArrayAccessData", "", kResult, [] { return Number(SafeArrayAccessData(&gArray, &gPointer)); }},
+    {"VariantCopy", "", kResult, [] { return Number(VariantCopy(&gVariant, &gVariant)); }},
+    {"AllocateStore", "a store", kNoMemory, [] { return Number(platform::AllocateStore("a store", 8)); }},
+    {"GetComputerNameExW", "ComputerNameDnsHostname", kLastError,
      [] { return Number(GetComputerNameExW(ComputerNameDnsHostname, gName, &gSize)); }},
-    {"GetComputerNameExW", "ComputerNameDnsDomain", Tells::kLastError,
+    {"GetComputerNameExW", "ComputerNameDnsDomain", kLastError,
      [] { return Number(GetComputerNameExW(ComputerNameDnsDomain, gName, &gSize)); }},
-    {"GetTimeFormatW", "HH", Tells::kLastError,
-     [] { return Number(GetTimeFormatW(0, 0, nullptr, L"HH", nullptr, 0)); }},
-    {"GetDateFormatW", "yy", Tells::kLastError,
-     [] { return Number(GetDateFormatW(0, 0, nullptr, L"yy", nullptr, 0)); }},
-    {"FileTimeToSystemTime", "", Tells::kLastError, [] { return Number(FileTimeToSystemTime(&gFileTime, &gDate)); }},
-    {"CM_Locate_DevNode_ExW", "", Tells::kResult,
+    {"GetTimeFormatW", "HH", kLastError, [] { return Number(GetTimeFormatW(0, 0, nullptr, L"HH", nullptr, 0)); }},
+    {"GetDateFormatW", "yy", kLastError, [] { return Number(GetDateFormatW(0, 0, nullptr, L"yy", nullptr, 0)); }},
+    {"FileTimeToSystemTime", "", kLastError, [] { return Number(FileTimeToSystemTime(&gFileTime, &gDate)); }},
+    {"CM_Locate_DevNode_ExW", "", kResult,
      [] { return std::uint64_t{CM_Locate_DevNode_ExW(&gNode, nullptr, 0, nullptr)}; }},
-    {"CM_Reenumerate_DevNode_Ex", "", Tells::kResult,
-     [] { return std::uint64_t{CM_Reenumerate_DevNode_Ex(1, 0, nullptr)}; }},
-    {"fopen", "no\\such", Tells::kErrno, [] { return Number(platform::OpenTextFile("no\\such", "r")); }},
+    {"CM_Reenumerate_DevNode_Ex", "", kResult, [] { return std::uint64_t{CM_Reenumerate_DevNode_Ex(1, 0, nullptr)}; }},
+    {"fopen", "no\\such", kErrno, [] { return Number(platform::OpenTextFile("no\\such", "r")); }},
 };
 
 TEST_F(Machine, FaultsComeInPlaceOfTheCallWithItsNameAndTarget) {
-  const std::map<Tells, int> errorNumbers = {{Tells::kErrno, static_cast<int>(kFaultCode)}, {Tells::kNoMemory, ENOMEM}};
+  const std::map<Tells, int> errorNumbers = {{kErrno, static_cast<int>(kFaultCode)}, {kNoMemory, ENOMEM}};
   for (const FaultRow& row : kFaultRows) {
     SCOPED_TRACE(testing::Message() << row.operation << ' ' << row.target);
     int asked = 0;
@@ -115,8 +113,8 @@ TEST_F(Machine, FaultsComeInPlaceOfTheCallWithItsNameAndTarget) {
     contract::SetMarkers();
     const std::uint64_t result = row.call();
     const int errorNumber = errno;
-    EXPECT_EQ(row.tells == Tells::kResult ? kFaultCode : 0, result);
-    EXPECT_EQ(row.tells == Tells::kLastError ? kFaultCode : contract::kUntouchedError, GetLastError());
+    EXPECT_EQ(row.tells == kResult ? kFaultCode : 0, result);
+    EXPECT_EQ(row.tells == kLastError ? kFaultCode : contract::kUntouchedError, GetLastError());
     EXPECT_EQ(errorNumbers.contains(row.tells) ? errorNumbers.at(row.tells) : contract::kUntouchedErrno, errorNumber);
     EXPECT_EQ(1, asked);
   }

@@ -4,8 +4,8 @@ import re
 
 from .compare import calls
 from .interleave import interleave
-from .notation import encode_line, hide_pointers, split_lines
-from .transcript import ABSENT, DIRECTORY, STANDARD_ERROR, STANDARD_OUTPUT, Piece
+from .notation import TranscriptError, encode_line, split_lines
+from .transcript import ABSENT, DIRECTORY
 
 _KINDS = {ABSENT: " absent", DIRECTORY: " directory"}
 
@@ -13,11 +13,9 @@ _KINDS = {ABSENT: " absent", DIRECTORY: " directory"}
 def block_of(command, run, command_line):
     """The lines of a command with what its run did, in place of what they said before."""
     lines = [command_line] + [encode_line("<", line) for line in split_lines(command.typed)]
-    # Where no common order can be told, one stream stands after the other, for the reviewer to see.
-    pieces = interleave(run.apart.output, run.apart.errors, run.together.output) or [
-        Piece(stream, hide_pointers(line)) for stream, text in ((STANDARD_OUTPUT, run.apart.output),
-                                                                (STANDARD_ERROR, run.apart.errors))
-        for line in split_lines(text)]
+    pieces = interleave(run.apart.output, run.apart.errors, run.together.output)
+    if pieces is None:
+        raise TranscriptError(f"{command.line}: together the two streams give something else than apart")
     lines += _fold([encode_line(*piece) for piece in pieces])
     lines.append(f"exit {run.apart.status}")
     for name in list(command.left) + [name for name in run.changed if name not in command.left]:
