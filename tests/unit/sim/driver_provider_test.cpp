@@ -53,14 +53,14 @@ protected:
 };
 
 TEST_F(DriverProviderTest, CountsWhatIsDescribed) {
-  const std::pair<const wchar_t*, std::uint64_t> rows[] = {
+  const std::pair<std::wstring, std::uint64_t> rows[] = {
       {L"VrxDsmGetCurrentNumberOfArrays", 2}, {L"VrxDsmGetCurrentNumberOfLuns", 3},
       {L"VrxDsmGetCurrentNumberOfCtlrs", 3},  {L"VrxDsmGetCurrentNumberOfPaths", 5},
       {L"VrxGetMaxModulesSupported", 30},     {L"VrxGetMaxPathsSupported", 8},
       {L"VrxGetMaxLunsSupported", 100},       {L"VrxGetMofFileVersion", 2},
   };
   for (const auto& [method, number] : rows) {
-    EXPECT_EQ(Call(method).Number(), number) << testing::PrintToString(std::wstring(method));
+    EXPECT_EQ(Call(method.c_str()).Number(), number) << testing::PrintToString(method);
   }
 }
 

@@ -19,11 +19,9 @@ TEST(JsonTest, RefusesWithLineAndColumn) {
   const std::pair<std::string, std::string> rows[] = {
       {"", "line 1, column "},
       {"{\n  \"a\": 1,\n  b\n}", "line 3, column 3: "},
-      {"[1] 2", "line 1, column 5: "},
       {"{\"a\": 1,\n \"a\": 2}", "line 2, column 4: the key \"a\" is given twice in one object"},
       {"\"\xC3\x28\"", "line 1, column 3: "},
       {"\"\\uD800\"", "line 1, column 8: "},
-      {"1e999", "line 1, column 5: "},
       {std::string(65, '['), "line 1, column 65: nested deeper than 64 levels"},
       {std::string(64, '[') + std::string(64, ']'), "taken"},
   };

@@ -50,15 +50,15 @@ struct LampHost {
 
   LampHost() {
     CimClass colour;
+    CimClass lamp;
+    CimClass spare;
     colour.name = L"Colour";
     colour.properties = {Property(L"Red", CIM_UINT8), Property(L"Mood", CIM_STRING, L"calm")};
-    CimClass lamp;
     lamp.name = L"Lamp";
     lamp.properties = {Key(L"Name"), Property(L"Level", CIM_UINT32), Embedded(L"Colour", L"Colour"),
                        EmbeddedArray(L"Shades", L"Colour"), Property(L"Note", CIM_STRING)};
     lamp.methods = {{L"SetLevel", {Property(L"Level", CIM_UINT32)}, {Property(L"Before", CIM_UINT32)}},
                     {L"Blink", {}, {}}};
-    CimClass spare;
     spare.name = L"SpareLamp";
     spare.superclass = L"Lamp";
     host->repository.AddClass(colour);
@@ -103,20 +103,22 @@ inline std::wstring Shown(const VARIANT& variant) {
   case VT_I4:
     return std::to_wstring(variant.lVal);
   case VT_I2:
+  case VT_BOOL:
     return std::to_wstring(variant.iVal);
   case VT_UI1:
     return std::to_wstring(variant.bVal);
-  case VT_BOOL:
-    return variant.boolVal == VARIANT_TRUE ? L"true" : L"false";
   default:
     return L"type " + std::to_wstring(variant.vt);
   }
 }
 
-inline std::wstring Shown(IWbemClassObject* object, const wchar_t* property) {
+/// The same of a property; "no object" and "not found" where there is none.
+inline std::wstring Shown(const platform::ComPtr<IWbemClassObject>& object, const wchar_t* property) {
   platform::Variant value;
-  const HRESULT result = object->Get(property, 0, value.put(), nullptr, nullptr);
-  return SUCCEEDED(result) ? Shown(value.get()) : L"not found";
+  if (!object) {
+    return L"no object";
+  }
+  return SUCCEEDED(object->Get(property, 0, value.put(), nullptr, nullptr)) ? Shown(value.get()) : L"not found";
 }
 
 } // namespace simhost
