@@ -8,14 +8,9 @@ namespace simhost {
 namespace {
 
 using korvex::NumberValue;
-using korvex::ObjectsValue;
 using korvex::ObjectValue;
 using korvex::TextValue;
 using platform::ComPtr;
-
-IUnknown* NoObject(const CimObject& /*object*/) {
-  return nullptr;
-}
 
 TEST(VariantValuesTest, MapsEachCimTypeToItsVartypeAndBack) {
   const std::wstring anyUnits(L"a\0\xD800", 3);
@@ -40,10 +35,11 @@ TEST(VariantValuesTest, MapsEachCimTypeToItsVartypeAndBack) {
       {CIM_OBJECT | CIM_FLAG_ARRAY, CimValue::Array({}), VT_ARRAY | VT_UNKNOWN, L"type 8205"},
       {CIM_UINT32 | CIM_FLAG_ARRAY, CimValue::Array({1, 4294967295U}), VT_ARRAY | VT_I4, L"type 8195"},
   };
+  const auto noObject = [](const CimObject&) -> IUnknown* { return nullptr; };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.type);
     platform::Variant variant;
-    ASSERT_EQ(VariantFromValue(row.value, row.type, NoObject, variant.get()), WBEM_S_NO_ERROR);
+    ASSERT_EQ(VariantFromValue(row.value, row.type, noObject, variant.get()), WBEM_S_NO_ERROR);
     EXPECT_EQ(variant.get().vt, row.vartype);
     EXPECT_EQ(Shown(variant.get()), row.shown);
     const PutValue back = ValueFromVariant(variant.get(), Property(L"P", row.type), ClassObject::ObjectBehind);
@@ -100,7 +96,6 @@ TEST(ClassObjectTest, ReadsProperties) {
       {L"Lamp=\"B\"", L"__SUPERCLASS", L"null"},
       {L"Lamp=\"B\"", L"__GENUS", L"2"},
       {L"SpareLamp", L"__SUPERCLASS", L"Lamp"},
-      {L"SpareLamp", L"__GENUS", L"1"},
       {L"SpareLamp", L"__NOSUCH", L"not found"},
   };
   for (const auto& row : rows) {
@@ -119,42 +114,24 @@ TEST(ClassObjectTest, EmbeddedObjectsAreCopiesInAndOut) {
   const LampClient client;
   const auto lamp = client.Object(L"Lamp=\"B\"");
   const auto colour = client.Spawn(L"Colour");
-  const auto setRed = [](IUnknown* object, LONG red) {
-    ComPtr<IWbemClassObject> changed;
-    EXPECT_EQ(object->QueryInterface(IID_IWbemClassObject, changed.putVoid()), S_OK);
-    EXPECT_EQ(changed->Put(L"Red", 0, &NumberValue(red, VT_UI1)->get(), 0), WBEM_S_NO_ERROR);
+  const auto setRed = [](IWbemClassObject* object, LONG red) {
+    EXPECT_EQ(object->Put(L"Red", 0, &NumberValue(red, VT_UI1)->get(), 0), WBEM_S_NO_ERROR);
   };
-  const auto redInside = [&](const wchar_t* property) {
-    platform::Variant value;
-    EXPECT_EQ(lamp->Get(property, 0, value.put(), nullptr, nullptr), WBEM_S_NO_ERROR);
-    IUnknown* object = value.get().punkVal;
-    if (value.get().vt == (VT_ARRAY | VT_UNKNOWN)) {
-      object = static_cast<IUnknown**>(value.get().parray->pvData)[1];
-    }
-    ComPtr<IWbemClassObject> inside;
-    EXPECT_EQ(object->QueryInterface(IID_IWbemClassObject, inside.putVoid()), S_OK);
-    const std::wstring red = Shown(inside, L"Red");
-    setRed(object, 99); // only in what Get gave
-    return red;
-  };
-  const struct {
-    const wchar_t* property;
-    korvex::Value value;
-    HRESULT result;
-  } rows[] = {
-      {L"colour", ObjectValue(colour.get()), WBEM_S_NO_ERROR},
-      {L"Colour", ObjectValue(lamp.get()), WBEM_E_TYPE_MISMATCH},
-      {L"Colour", ObjectValue(client.services.get()), WBEM_E_TYPE_MISMATCH},
-      {L"Shades", ObjectsValue({client.Spawn(L"Colour").get(), colour.get()}, 1), WBEM_S_NO_ERROR},
-      {L"Shades", ObjectsValue({colour.get(), nullptr}), WBEM_E_TYPE_MISMATCH},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE("row " + std::to_string(&row - rows));
+  const std::pair<IUnknown*, HRESULT> rows[] = {{colour.get(), WBEM_S_NO_ERROR},
+                                                {lamp.get(), WBEM_E_TYPE_MISMATCH},
+                                                {client.services.get(), WBEM_E_TYPE_MISMATCH}};
+  for (const auto& [object, result] : rows) {
     setRed(colour.get(), 1);
-    EXPECT_EQ(lamp->Put(row.property, 0, &row.value->get(), 0), row.result);
+    EXPECT_EQ(lamp->Put(L"colour", 0, &ObjectValue(object)->get(), 0), result);
     setRed(colour.get(), 2);
-    EXPECT_EQ(redInside(row.property), L"1");
-    EXPECT_EQ(redInside(row.property), L"1");
+    for (int time = 0; time < 2; ++time) {
+      platform::Variant value;
+      ASSERT_EQ(lamp->Get(L"Colour", 0, value.put(), nullptr, nullptr), WBEM_S_NO_ERROR);
+      ComPtr<IWbemClassObject> inside;
+      ASSERT_EQ(value.get().punkVal->QueryInterface(IID_IWbemClassObject, inside.putVoid()), S_OK);
+      EXPECT_EQ(Shown(inside, L"Red"), L"1");
+      setRed(inside.get(), 99);
+    }
   }
 }
 
@@ -217,7 +194,7 @@ TEST(ClassObjectTest, IteratesOverMethodsAndProperties) {
   EXPECT_EQ(lamp->BeginMethodEnumeration(0), WBEM_S_NO_ERROR);
   EXPECT_EQ(methods(), L"SetLevel Blink end");
   EXPECT_EQ(lamp->BeginEnumeration(0x40), WBEM_S_NO_ERROR) << "without the system's";
-  EXPECT_EQ(properties(), L"Name Level Colour Shades Note end");
+  EXPECT_EQ(properties(), L"Name Level Colour Note end");
 }
 
 } // namespace

@@ -17,29 +17,28 @@ constexpr const char* kDescription = R"({"dsms": [{"maxModules": 30, "maxPaths":
     {"id": 9, "controllers": [{"paths": [{}]}],
      "luns": [{"preferred": "B", "owner": "A", "ownerSerial": "THEOWNER00", "preferredSerial": "HOME000000"}]}]}]})";
 constexpr const wchar_t* kMethods = L"ZELMPXDSM_WMI_METHODS_V2";
+constexpr const wchar_t* kPath = L"ZELMPXDSM_WMI_METHODS_V2=\"ROOT\\\\ZELMPXDSM\\\\0000_0\"";
 
 class DriverProviderTest : public testing::Test {
 protected:
-  /// The first output of a method, with an embedded input object where one is given.
-  CimValue Call(const wchar_t* method, std::optional<CimObject> argument = {}) {
-    const MethodDefinition* definition = m_host->repository.RequireClass(kMethods)->FindMethod(method);
+  /// The first output of a method, given an object of `className` with one property as its input where it has one.
+  CimValue Call(const wchar_t* method, const wchar_t* className = nullptr, const wchar_t* property = nullptr,
+                const CimValue& value = {}) {
     std::optional<CimObject> input;
-    if (argument) {
-      input.emplace(definition->inputClass)
-          .Set(definition->inputClass->properties[0].name, CimValue::Embed(std::move(*argument)));
+    if (className != nullptr) {
+      const CimObject argument = CimObject(m_host->repository.RequireClass(className)).Set(property, value);
+      const ClassRef inputs = m_host->repository.RequireClass(kMethods)->FindMethod(method)->inputClass;
+      input.emplace(inputs).Set(inputs->properties[0].name, CimValue::Embed(argument));
     }
     std::optional<CimObject> output;
-    const std::wstring path = std::wstring(kMethods) + L"=\"ROOT\\\\ZELMPXDSM\\\\0000_0\"";
-    EXPECT_EQ(m_host->repository.ExecuteMethod(path, method, input ? &*input : nullptr, output).result,
+    EXPECT_EQ(m_host->repository.ExecuteMethod(kPath, method, input ? &*input : nullptr, output).result,
               WBEM_S_NO_ERROR);
     return output ? output->ValueAt(0) : CimValue();
   }
 
-  CimObject Object(const wchar_t* className) { return CimObject(m_host->repository.RequireClass(className)); }
-
   /// Designation and serial number of each LUN's owner.
   std::vector<std::string> Owners() {
-    const CimValue list = Call(L"VrxDsmGetMPGInfo", Object(L"VRXDSM_INPUT_ARGUMENTS").Set(L"argType", 0U));
+    const CimValue list = Call(L"VrxDsmGetMPGInfo", L"VRXDSM_INPUT_ARGUMENTS", L"argType", 0U);
     std::vector<std::string> owners;
     for (const CimValue& element : *list.IfObject()->Value(L"List").IfArray()) {
       const CimValue buffer = element.IfObject()->Value(L"Buffer");
@@ -66,7 +65,7 @@ TEST_F(DriverProviderTest, CountsWhatIsDescribed) {
 
 TEST_F(DriverProviderTest, AScanMovesLunsHome) {
   EXPECT_EQ(Owners(), (std::vector<std::string>{"1SN00003001", "0SN00003000", "0THEOWNER00"}));
-  Call(L"VrxPerformScan", Object(L"VRXDSM_SCAN_OPTION").Set(L"ScanOption", L"forcerebalance"));
+  Call(L"VrxPerformScan", L"VRXDSM_SCAN_OPTION", L"ScanOption", L"forcerebalance");
   EXPECT_EQ(Owners(), (std::vector<std::string>{"0SN00003000", "0SN00003000", "1HOME000000"}));
 }
 

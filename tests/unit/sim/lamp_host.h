@@ -56,7 +56,7 @@ struct LampHost {
     colour.properties = {Property(L"Red", CIM_UINT8), Property(L"Mood", CIM_STRING, L"calm")};
     lamp.name = L"Lamp";
     lamp.properties = {Key(L"Name"), Property(L"Level", CIM_UINT32), Embedded(L"Colour", L"Colour"),
-                       EmbeddedArray(L"Shades", L"Colour"), Property(L"Note", CIM_STRING)};
+                       Property(L"Note", CIM_STRING)};
     lamp.methods = {{L"SetLevel", {Property(L"Level", CIM_UINT32)}, {Property(L"Before", CIM_UINT32)}},
                     {L"Blink", {}, {}}};
     spare.name = L"SpareLamp";

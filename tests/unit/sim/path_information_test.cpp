@@ -18,12 +18,11 @@ std::wstring PathsOf(const std::string& framework) {
   std::wstring shown;
   for (std::uint32_t i = 0; i < gPathInformation->count; ++i) {
     const PathInformationEntry& entry = gPathInformation->Entries()[i];
-    shown += std::to_wstring(entry.PathId);
-    if (entry.PathId != 0) {
-      shown += L" " + std::to_wstring(entry.BusNumber) + L" " + std::to_wstring(entry.DeviceNumber) + L" " +
-               std::to_wstring(entry.FunctionNumber) + L" " + entry.AdapterName;
+    for (const std::uint64_t number : {entry.PathId, std::uint64_t{entry.BusNumber}, std::uint64_t{entry.DeviceNumber},
+                                       std::uint64_t{entry.FunctionNumber}}) {
+      shown += std::to_wstring(number) + L" ";
     }
-    shown += L"; ";
+    shown += std::wstring(entry.AdapterName) + L"; ";
   }
   FreeRunBuffers();
   platform::DeleteObject(std::exchange(gDsmChannel, nullptr));
@@ -41,10 +40,10 @@ TEST(PathInformationTest, EntriesAreThoseOfTheFramework) {
       {R"("mpio": {)" + paths + "}", L"18446744073709551615 255 30 7 \u00e9; 2 3 1 0 Adapter B; "},
       {R"("mpio": {"announcedPaths": 1, )" + paths + "}", L"18446744073709551615 255 30 7 \u00e9; "},
       {R"("mpio": {"announcedPaths": 4, )" + paths + "}",
-       L"18446744073709551615 255 30 7 \u00e9; 2 3 1 0 Adapter B; 0; 0; "},
+       L"18446744073709551615 255 30 7 \u00e9; 2 3 1 0 Adapter B; 0 0 0 0 ; 0 0 0 0 ; "},
       {R"("mpio": {"announcedPaths": 0, )" + paths + "}", L""},
       {named + std::string(79, 'a') + R"("}]})", L"1 0 0 0 " + std::wstring(63, L'a') + L"; "},
-      {named + std::string(80, 'a') + R"("}, {"pathId": 2}]})", L"1 0 0 0 ; 0; "},
+      {named + std::string(80, 'a') + R"("}, {"pathId": 2}]})", L"1 0 0 0 ; 0 0 0 0 ; "},
       {named +
            R"(x"}]}, "overrides": [{"class": "MPIO_ADAPTER_INFORMATION", "property": "AdapterName", "null": true}])",
        L"1 0 0 0 ; "},

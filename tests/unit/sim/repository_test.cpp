@@ -1,7 +1,7 @@
 #include "simhost/object_path.h"
 #include "tests/unit/sim/lamp_host.h"
 
-// Paths and queries, what a property may hold, and what the repository makes of its providers.
+// Paths of objects, and what the repository makes of its providers.
 
 namespace simhost {
 namespace {
@@ -33,41 +33,6 @@ TEST(ObjectPathTest, TakesPathsApart) {
   };
   for (const auto& [path, apart] : rows) {
     EXPECT_EQ(Apart(path), apart);
-  }
-}
-
-TEST(ObjectPathTest, NamesExactlyTheInstanceWithTheseKeys) {
-  auto definition = std::make_shared<CimClass>();
-  definition->name = L"Pair";
-  definition->properties = {Key(L"Name"), Property(L"Id", CIM_SINT32)};
-  definition->properties[1].key = true;
-  const CimObject instance = CimObject(definition).Set(L"Name", L"q\"\\").Set(L"Id", -3);
-  EXPECT_EQ(instance.RelativePath(), L"Pair.Name=\"q\\\"\\\\\",Id=-3");
-  const std::pair<const wchar_t*, bool> rows[] = {
-      {L"Pair.Name=\"q\\\"\\\\\",Id=-3", true},
-      {L"pair.id=-3,name=\"Q\\\"\\\\\"", true},
-      {L"Pair.Name=\"q\\\"\\\\\"", false},
-      {L"Pair.Name=\"q\\\"\\\\\",Id=3", false},
-      {L"Pair.Name=\"q\\\"\\\\\",Id=\"-3\"", false},
-      {L"Pair.Name=\"q\\\"\\\\\",Id=-3,More=1", false},
-      {L"Pair=\"q\\\"\\\\\"", false},
-  };
-  for (const auto& [path, named] : rows) {
-    EXPECT_EQ(ParseObjectPath(path)->Names(instance), named) << testing::PrintToString(std::wstring(path));
-  }
-}
-
-TEST(ObjectPathTest, TakesMetaClassQueriesOnly) {
-  const std::pair<const wchar_t*, std::optional<std::wstring>> rows[] = {
-      {L"\tSELECT*from meta_class\r\nwhere __superclass=''  ", L""},
-      {L"select * from Meta_Class where __SUPERCLASS = \"Lamp\"", L"Lamp"},
-      {L"select * from Lamp where __superclass = \"\"", std::nullopt},
-      {L"select * from meta_class where __class = \"\"", std::nullopt},
-      {L"select * from meta_class where __superclass = \"\" and 1", std::nullopt},
-      {L"", std::nullopt},
-  };
-  for (const auto& [query, superclass] : rows) {
-    EXPECT_EQ(ParseMetaClassQuery(query), superclass) << testing::PrintToString(std::wstring(query));
   }
 }
 
