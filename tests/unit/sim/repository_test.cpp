@@ -36,6 +36,25 @@ TEST(ObjectPathTest, TakesPathsApart) {
   }
 }
 
+TEST(ObjectPathTest, NamesExactlyTheInstanceWithTheseKeys) {
+  auto definition = std::make_shared<CimClass>();
+  definition->name = L"Pair";
+  definition->properties = {Key(L"Name"), Property(L"Id", CIM_SINT32)};
+  definition->properties[1].key = true;
+  const CimObject instance = CimObject(definition).Set(L"Name", L"q\"\\").Set(L"Id", -3);
+  const std::pair<const wchar_t*, bool> rows[] = {
+      {L"Pair.Name=\"q\\\"\\\\\",Id=-3", true},
+      {L"pair.id=-3,name=\"Q\\\"\\\\\"", true},
+      {L"Pair.Name=\"q\\\"\\\\\"", false},
+      {L"Pair.Name=\"q\\\"\\\\\",Id=\"-3\"", false},
+      {L"Pair.Name=\"q\\\"\\\\\",Id=-3,More=1", false},
+      {L"Pair=\"q\\\"\\\\\"", false},
+  };
+  for (const auto& [path, named] : rows) {
+    EXPECT_EQ(ParseObjectPath(path)->Names(instance), named) << testing::PrintToString(std::wstring(path));
+  }
+}
+
 TEST(RepositoryTest, TurnsAProvidersMistakesIntoAFailure) {
   const LampHost lamps;
   std::optional<CimObject> output;
