@@ -2,6 +2,7 @@
 
 #include "simhost/array_records.h"
 #include "simhost/module_answers.h"
+#include "simhost/module_changes.h"
 #include "simhost/text.h"
 
 #include <algorithm>
@@ -202,35 +203,33 @@ HRESULT DriverProvider::GiveDevices(const MethodCall& call, CimObject* output) {
                   });
 }
 
-HRESULT DriverProvider::GiveModule(const MethodCall& call, CimObject* output) {
-  const ModuleModel* module = FindModule(call);
-  if (module == nullptr) {
-    return static_cast<HRESULT>(WBEM_E_FAILED);
-  }
-  output->Set(L"ModuleInfo", CimValue::Embed(ModuleAnswer(m_host.repository, *module)));
-  return S_OK;
-}
-
-HRESULT DriverProvider::GiveModuleControllers(const MethodCall& call, CimObject* output) {
-  const ModuleModel* module = FindModule(call);
-  if (module == nullptr) {
-    return static_cast<HRESULT>(WBEM_E_FAILED);
-  }
-  output->Set(L"ControllerInfo", CimValue::Embed(ControllerAnswer(m_host.repository, *module)));
-  return S_OK;
-}
-
-HRESULT DriverProvider::GiveModuleDisks(const MethodCall& call, CimObject* output) {
-  const ModuleModel* module = FindModule(call);
-  if (module == nullptr) {
+HRESULT DriverProvider::GiveOfModule(const MethodCall& call, CimObject& output, ModuleAnswer answer) {
+  const auto module = std::find_if(m_driver.modules.begin(), m_driver.modules.end(),
+                                   [&id = call.Input(L"ModuleId")](const ModuleModel& candidate) {
+                                     return !id.IsNull() && candidate.id == id.Number();
+                                   });
+  if (module == m_driver.modules.end()) {
     return static_cast<HRESULT>(WBEM_E_FAILED);
   }
   std::vector<std::uint32_t> owners;
   for (const ModuleLun& lun : module->luns) {
     owners.push_back(CurrentOwner(module->id, owners.size(), lun.record["owner"]));
   }
-  output->Set(L"DiskInfo", CimValue::Embed(DiskAnswer(m_host.repository, *module, owners)));
+  output.Set(call.method.outputs.front().name,
+             CimValue::Embed(answer(m_host.repository, CurrentModule(*module, owners, m_options))));
   return S_OK;
+}
+
+HRESULT DriverProvider::GiveModule(const MethodCall& call, CimObject* output) {
+  return GiveOfModule(call, *output, AnswerModule);
+}
+
+HRESULT DriverProvider::GiveModuleControllers(const MethodCall& call, CimObject* output) {
+  return GiveOfModule(call, *output, AnswerControllers);
+}
+
+HRESULT DriverProvider::GiveModuleDisks(const MethodCall& call, CimObject* output) {
+  return GiveOfModule(call, *output, AnswerDisks);
 }
 
 HRESULT DriverProvider::SetDebugLevel(const MethodCall& call, CimObject* /*output*/) {
@@ -288,6 +287,11 @@ PathCondition DriverProvider::ConditionOf(std::uint32_t pathId) const {
       }
     }
   }
+  for (const ModuleModel& module : m_driver.modules) {
+    if (const PathCondition condition = simhost::ConditionOf(module, pathId); condition != PathCondition::kUnknown) {
+      return condition;
+    }
+  }
   return PathCondition::kUnknown;
 }
 
@@ -320,14 +324,6 @@ std::vector<const ArrayModel*> DriverProvider::Select(const MethodCall& call) co
     }
   }
   return selected;
-}
-
-const ModuleModel* DriverProvider::FindModule(const MethodCall& call) const {
-  const CimValue& id = call.Input(L"ModuleId");
-  const auto found = std::find_if(m_driver.modules.begin(), m_driver.modules.end(), [&id](const ModuleModel& module) {
-    return !id.IsNull() && module.id == id.Number();
-  });
-  return found == m_driver.modules.end() ? nullptr : &*found;
 }
 
 std::uint32_t DriverProvider::CurrentOwner(std::uint32_t arrayId, std::size_t lunIndex, std::uint64_t described) const {

@@ -28,6 +28,9 @@ private:
   };
   static const MethodRow kMethods[];
 
+  /// What makes an answer of a module.
+  using ModuleAnswer = CimObject (*)(const Repository& repository, const ModuleModel& module);
+
   HRESULT GiveNumber(const MethodCall& call, CimObject* output);
   HRESULT GiveVersion(const MethodCall& call, CimObject* output);
   HRESULT GiveArrays(const MethodCall& call, CimObject* output);
@@ -42,10 +45,10 @@ private:
   HRESULT PerformScan(const MethodCall& call, CimObject* output);
   HRESULT ControlOptions(const MethodCall& call, CimObject* output);
 
+  /// Gives the answer about the module that the call names; fails when there is none of that id.
+  HRESULT GiveOfModule(const MethodCall& call, CimObject& output, ModuleAnswer answer);
   /// The arrays that a call's input selects; none when it selects nothing, which fails the method.
   std::vector<const ArrayModel*> Select(const MethodCall& call) const;
-  /// The module that a call asks for; none when there is none of that id, which fails the method.
-  const ModuleModel* FindModule(const MethodCall& call) const;
   /// The designation of the controller that owns the LUN now; `described` is the one that owned it at first.
   std::uint32_t CurrentOwner(std::uint32_t arrayId, std::size_t lunIndex, std::uint64_t described) const;
   /// Makes the preferred controller the LUN's owner.

@@ -55,13 +55,12 @@ CimObject DriveInfo(const DiskClasses& classes, const ModuleDriveInfo& info) {
   return object;
 }
 
-CimObject Disk(const DiskClasses& classes, const ModuleLun& lun, std::uint32_t owner) {
+CimObject Disk(const DiskClasses& classes, const ModuleLun& lun) {
   std::vector<CimObject> infos;
   for (const ModuleDriveInfo& info : lun.driveInfos) {
     infos.push_back(DriveInfo(classes, info));
   }
   CimObject object = Numbers(classes.disk, lun.record);
-  object.Set(L"CurrentOwningController", owner);
   object.Set(L"WWN", CimValue::Bytes(lun.wwn));
   object.Set(L"DriveInfoList", CimValue::Embed(std::move(infos)));
   return object;
@@ -93,7 +92,7 @@ void AppendModuleMethods(std::vector<MethodDefinition>& methods) {
   methods.push_back(OfModule(L"VrxGetDiskInfo", L"DiskInfo", L"VRXDSM_DISKINFO_LIST"));
 }
 
-CimObject ModuleAnswer(const Repository& repository, const ModuleModel& module) {
+CimObject AnswerModule(const Repository& repository, const ModuleModel& module) {
   const ClassRef definition = repository.RequireClass(L"VRXDSM_ARRAY_MODULE");
   CimObject object = Numbers(definition, module.record);
   object.Force(*definition->PropertyIndex(L"Name"), module.name,
@@ -102,7 +101,7 @@ CimObject ModuleAnswer(const Repository& repository, const ModuleModel& module) 
   return object;
 }
 
-CimObject ControllerAnswer(const Repository& repository, const ModuleModel& module) {
+CimObject AnswerControllers(const Repository& repository, const ModuleModel& module) {
   const ClassRef controllerClass = repository.RequireClass(L"VRXDSM_CONTROLLER_MODULE");
   const ClassRef pathClass = repository.RequireClass(L"VRXDSM_CONTROLLER_PATH");
   const ClassRef addressClass = repository.RequireClass(L"VRXDSM_CONTROLLER_ADDRESS");
@@ -119,13 +118,13 @@ CimObject ControllerAnswer(const Repository& repository, const ModuleModel& modu
   return List(repository, L"VRXDSM_CONTROLLER_MODULE_LIST", L"ControllerModuleList", std::move(controllers));
 }
 
-CimObject DiskAnswer(const Repository& repository, const ModuleModel& module, std::span<const std::uint32_t> owners) {
+CimObject AnswerDisks(const Repository& repository, const ModuleModel& module) {
   const DiskClasses classes{repository.RequireClass(L"VRXDSM_DISKINFO"),
                             repository.RequireClass(L"VRXDSM_DRIVEINFO_LIST"),
                             repository.RequireClass(L"VRXDSM_DRIVEINFO")};
   std::vector<CimObject> disks;
-  for (std::size_t index = 0; index < module.luns.size(); ++index) {
-    disks.push_back(Disk(classes, module.luns[index], owners[index]));
+  for (const ModuleLun& lun : module.luns) {
+    disks.push_back(Disk(classes, lun));
   }
   return List(repository, L"VRXDSM_DISKINFO_LIST", L"DiskInfoList", std::move(disks));
 }

@@ -3,8 +3,6 @@
 #include "simhost/module_model.h"
 #include "simhost/repository.h"
 
-#include <cstdint>
-#include <span>
 #include <vector>
 
 // What a DSM of interface generation 1 answers about an array module.
@@ -16,9 +14,9 @@ void AddModuleClasses(Repository& repository);
 /// Appends the methods that give them.
 void AppendModuleMethods(std::vector<MethodDefinition>& methods);
 
-CimObject ModuleAnswer(const Repository& repository, const ModuleModel& module);
-CimObject ControllerAnswer(const Repository& repository, const ModuleModel& module);
-/// `owners` are the designations of the controllers that own the LUNs now, as many as there are LUNs.
-CimObject DiskAnswer(const Repository& repository, const ModuleModel& module, std::span<const std::uint32_t> owners);
+/// The answers' objects.
+CimObject AnswerModule(const Repository& repository, const ModuleModel& module);
+CimObject AnswerControllers(const Repository& repository, const ModuleModel& module);
+CimObject AnswerDisks(const Repository& repository, const ModuleModel& module);
 
 } // namespace simhost

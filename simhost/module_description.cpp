@@ -269,11 +269,12 @@ void ReadNumbers(Members& keys, ModuleModel& model) {
 } // namespace
 
 ModuleModel ReadModule(const Node& array, std::size_t place) {
-  ModuleModel model{ModuleRecord(ModuleProperties()), 0, {}, {}, {}, {}};
+  ModuleModel model{ModuleRecord(ModuleProperties())};
   ReadMembers(array, [&](Members& keys) {
     model.id = keys["id"].Unsigned<std::uint32_t>(0, UINT32_MAX, static_cast<std::uint32_t>(place));
     model.name = ReadName(keys["name"], model.id);
     model.wwn = ReadWwn(keys["wwn"], (std::uint64_t{model.id} & 0xFFFF) << 16);
+    model.inTransition = keys["inTransition"].Flag(false);
     ReadNumbers(keys, model);
     ArrayWide wide{model.id, ModuleRecord(ModuleUtmLunProperties()), model.record["policy"]};
     wide.utmLun.Set("utmLunEnabled", keys.Has("utmLun") ? 1 : 0).Read(keys);

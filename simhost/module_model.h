@@ -34,11 +34,12 @@ struct ModuleLun {
 
 struct ModuleModel {
   ModuleRecord record;
-  std::uint32_t id = 0; ///< what it is asked for by
-  CimValue name;        ///< text or bytes
-  std::vector<std::uint8_t> wwn;
-  std::vector<ModuleController> controllers;
-  std::vector<ModuleLun> luns;
+  std::uint32_t id = 0;      ///< what it is asked for by
+  CimValue name{};           ///< text or bytes
+  bool inTransition = false; ///< its paths cannot be changed now
+  std::vector<std::uint8_t> wwn{};
+  std::vector<ModuleController> controllers{};
+  std::vector<ModuleLun> luns{};
 };
 
 } // namespace simhost

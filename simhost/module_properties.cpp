@@ -62,8 +62,14 @@ std::optional<std::uint32_t> FirmwareNumber(const std::string& text) {
 
 std::uint64_t ReadFirmware(const Node& firmware) {
   const std::string* text = firmware.Value()->IfText();
-  const std::optional<std::uint32_t> version = text != nullptr ? FirmwareNumber(*text) : std::nullopt;
-  return version ? *version : firmware.UnsignedNumber(0, UINT32_MAX);
+  if (text == nullptr || text->starts_with("0x")) {
+    return firmware.UnsignedNumber(0, UINT32_MAX);
+  }
+  const std::optional<std::uint32_t> version = FirmwareNumber(*text);
+  if (!version) {
+    firmware.Refuse("four hexadecimal bytes like \"7.16.8.0\", or an integer from 0 to 4294967295");
+  }
+  return *version;
 }
 
 constexpr ModuleProperty Number(std::wstring_view name, std::string_view key, std::uint64_t fallback = 0) {

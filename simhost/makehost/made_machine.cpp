@@ -1,5 +1,6 @@
 #include "simhost/makehost/made_machine.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <random>
 #include <string>
@@ -48,13 +49,14 @@ Json MadeController(Random& random, std::uint64_t array, std::uint64_t controlle
                       {"paths", std::move(described)}};
 }
 
-Json MadeLun(Random& random, std::uint64_t array, std::uint64_t lun) {
-  static constexpr const char* kPolicies[] = {"round robin with subset", "least queue depth", "least blocks"};
+Json MadeLun(Random& random, std::uint64_t array, std::uint64_t lun, std::uint64_t generation) {
+  const char* const policies[] = {"round robin with subset", "least queue depth",
+                                  generation == 2 ? "least blocks" : "weighted paths"};
   const bool prefersB = Below(random, 2) == 1;
   const bool isAway = Below(random, 8) == 0;
   return Json::Object{{"number", lun},
                       {"wwn", MadeWwn(random, (array << 16) + lun)},
-                      {"policy", kPolicies[Below(random, 3)]},
+                      {"policy", policies[Below(random, 3)]},
                       {"preferred", prefersB ? "B" : "A"},
                       {"owner", prefersB != isAway ? "B" : "A"}};
 }
@@ -66,7 +68,7 @@ Json MadeArray(Random& random, std::uint64_t array, const MadeMachine& machine) 
   }
   Json::Array luns;
   for (std::uint64_t lun = 0; lun < machine.luns; ++lun) {
-    luns.push_back(MadeLun(random, array, lun));
+    luns.push_back(MadeLun(random, array, lun, machine.generation));
   }
   return Json::Object{{"id", array},
                       {"name", "array-" + std::to_string(array)},
@@ -101,6 +103,12 @@ Json MadeDescription(const MadeMachine& machine) {
   Json::Object driver{{"service", "zelmpxdsm"},
                       {"version", Json::Object{{"major", 2}, {"minor", 1}, {"build", 37}, {"qfe", 4}}},
                       {"arrays", std::move(arrays)}};
+  if (machine.generation == 1) {
+    driver.insert(driver.end(), {{"generation", 1},
+                                 {"maxModules", machine.arrays},
+                                 {"maxPaths", machine.paths},
+                                 {"maxLuns", std::max<std::uint64_t>(machine.luns, 1)}});
+  }
   return Json::Object{{"computer", Json::Object{{"name", "made-host"}, {"domain", "storage.example"}}},
                       {"clock", Json::Object{{"kind", "virtual"}, {"now", "2026-11-19T04:50:54Z"}}},
                       {"dsms", Json::Array{Json(std::move(driver))}},

@@ -50,18 +50,17 @@ bool ReadWords(std::span<char* const> words, std::span<const Option> options) {
 
 int main(int argumentCount, char** arguments) {
   simhost::MadeMachine machine;
-  std::uint64_t generation = 2;
   const Option options[] = {
       {"--arrays", &machine.arrays, 0, simhost::kMostArrays},
       {"--luns", &machine.luns, 0, simhost::kMostLuns},
       {"--paths", &machine.paths, 1, simhost::kMostPaths},
-      {"--generation", &generation, 2, 2},
+      {"--generation", &machine.generation, 1, 2},
       {"--seed", &machine.seed, 0, UINT64_MAX},
   };
   const auto words = std::span(arguments, static_cast<std::size_t>(argumentCount)).subspan(argumentCount > 0 ? 1 : 0);
   if (!ReadWords(words, options)) {
     std::fprintf(stderr,
-                 "usage: makehost [--arrays 0-256] [--luns 0-256] [--paths 1-32] [--generation 2] [--seed N]\n");
+                 "usage: makehost [--arrays 0-256] [--luns 0-256] [--paths 1-32] [--generation 1-2] [--seed N]\n");
     return 2;
   }
   const std::string text = simhost::MadeDescription(machine).Write() + "\n";
