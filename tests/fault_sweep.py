@@ -56,7 +56,7 @@ def run(launcher, work, name, words, rule):
     scene.apply("host", "two-healthy-arrays")
     scene.apply("patch", json.dumps({"faults": [rule] if rule else []}))
     outcome, accounts = scene.run(words)
-    problems = audit_problems(accounts)
+    problems = audit_problems(accounts, outcome.status)
     if outcome.status not in STATUSES:
         problems.append(f"exit {outcome.status}")
     if "Sanitizer" in outcome.errors or "runtime error:" in outcome.errors:

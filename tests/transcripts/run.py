@@ -110,7 +110,8 @@ def rewrite(file, options):
             raise TranscriptError(f"{command.line}: it took too long")
         after += before[copied:command.line - 1] + block_of(command, run, before[command.line - 1])
         copied = command.last
-        leaks += [f"{file}:{command.line}: {problem}" for problem in audit_problems(run.accounts)]
+        leaks += [f"{file}:{command.line}: {problem}"
+                  for problem in audit_problems(run.accounts, run.apart.status)]
     after += before[copied:]
     file.write_text("\n".join(after) + "\n")
     return list(difflib.unified_diff(before, after, f"{file} (before)", f"{file} (rewritten)", lineterm="")) + leaks

@@ -147,6 +147,7 @@ TEST_F(Machine, IsMadeOnceForAllThreads) {
   std::vector<platform::Machine*> seen(4);
   {
     std::vector<std::jthread> threads;
+    threads.reserve(seen.size());
     for (platform::Machine*& slot : seen) {
       threads.emplace_back([&slot] { slot = &platform::TheMachine(); });
     }

@@ -11,8 +11,14 @@ _MAY_REMAIN = {
 }
 
 
-def audit_problems(accounts):
-    """What is wrong with the accounts of one run: each leak, or that there is not just one account."""
+# How the host ends a run that it refuses to begin; nothing is accounted for then.
+_REFUSED = 2
+
+
+def audit_problems(accounts, status):
+    """What is wrong with the accounts of one run with this exit status: each leak, or that there is not just one account."""
+    if status == _REFUSED and not accounts:
+        return []
     if len(accounts) != 1:
         return [f"{len(accounts)} audit lines where the host writes one"]
     account = accounts[0]

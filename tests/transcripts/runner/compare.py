@@ -26,7 +26,7 @@ def run_twice(command, apart, together):
 
 def problems_of(command, run):
     """A list of texts, each a difference; empty when all is as expected."""
-    problems = audit_problems(run.accounts)
+    problems = audit_problems(run.accounts, run.apart.status)
     if None in (run.apart.status, run.together.status):
         problems.append("stopped: it took too long")
     elif not run.apart.status == run.together.status == command.exit:

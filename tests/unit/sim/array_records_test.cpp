@@ -1,10 +1,13 @@
 #include "simhost/array_description.h"
 #include "simhost/array_records.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <string>
 #include <utility>
 #include <vector>
+
+// Every described field at its place in the records, and what stands there undescribed.
 
 namespace simhost {
 namespace {
@@ -16,32 +19,21 @@ ArrayModel Array(const std::string& json) {
   return ReadArray(Node(parsed, "/array"), 0);
 }
 
-/// A record of zeros but for the given bytes.
-Bytes Expected(std::size_t size, const std::vector<std::pair<std::size_t, Bytes>>& fields) {
-  Bytes record(size);
-  for (const auto& [offset, bytes] : fields) {
-    std::copy(bytes.begin(), bytes.end(), record.begin() + static_cast<std::ptrdiff_t>(offset));
-  }
-  return record;
-}
-
-Bytes Characters(const std::string& text) {
+Bytes Text(const std::string& text) {
   return {text.begin(), text.end()};
 }
 
-/// The offsets at which two records of one length differ, so that a failure does not show thousands of bytes.
-std::vector<std::size_t> Differences(const Bytes& record, const Bytes& expected) {
-  EXPECT_EQ(record.size(), expected.size());
-  std::vector<std::size_t> offsets;
-  for (std::size_t offset = 0; offset < std::min(record.size(), expected.size()); ++offset) {
-    if (record[offset] != expected[offset]) {
-      offsets.push_back(offset);
-    }
+/// The first offset at which a record is not `size` bytes of zero but for the given fields; `size` when there is none.
+std::size_t Difference(const Bytes& record, std::size_t size,
+                       const std::vector<std::pair<std::size_t, Bytes>>& fields) {
+  Bytes expected(size);
+  for (const auto& [offset, bytes] : fields) {
+    std::copy(bytes.begin(), bytes.end(), expected.begin() + static_cast<std::ptrdiff_t>(offset));
   }
-  return offsets;
+  EXPECT_EQ(record.size(), size);
+  const auto [different, end] = std::mismatch(record.begin(), record.end(), expected.begin(), expected.end());
+  return static_cast<std::size_t>(different - record.begin());
 }
-
-const std::vector<std::size_t> kNone;
 
 TEST(ArrayRecordsTest, LaysOutAnArray) {
   const ArrayModel array = Array(R"({
@@ -49,15 +41,13 @@ TEST(ArrayRecordsTest, LaysOutAnArray) {
     "extendedPathRecovery": 2, "utmLunEnabled": true, "utmLun": 31, "announcedLuns": "0x01020304",
     "announcedControllers": "0x0a0b0c0d", "controllers": [],
     "interfaceTypes": ["FC", "IB", "iSCSI", "SAS", "unused", 77]})");
-  Bytes interfaces(64, 255);
-  std::copy_n(Bytes{0, 4, 5, 6, 255, 77}.begin(), 6, interfaces.begin());
-  EXPECT_EQ(Differences(ArrayRecord(array), Expected(186, {{8, Characters("0123456789abcdef0123456789ABCDEF")},
-                                                           {41, {0x41, 0, 0xAC, 0x20, 0, 0xD8}},
-                                                           {100, interfaces},
-                                                           {164, {254, 2, 1, 31}},
-                                                           {168, {4, 3, 2, 1}},
-                                                           {172, {0x0D, 0x0C, 0x0B, 0x0A}}})),
-            kNone);
+  EXPECT_EQ(Difference(ArrayRecord(array), 186,
+                       {{8, Text("0123456789abcdef0123456789ABCDEF")},
+                        {41, {0x41, 0, 0xAC, 0x20, 0, 0xD8}},
+                        {100, Bytes(64, 255)},
+                        {100, {0, 4, 5, 6, 255, 77}},
+                        {164, {254, 2, 1, 31, 4, 3, 2, 1, 0x0D, 0x0C, 0x0B, 0x0A}}}),
+            186U);
   // 29 units fill the room before the interface codes, without a terminator; the first code is that of A's first path.
   const Bytes cut = ArrayRecord(Array(R"({"name": "0123456789012345678901234567890"})"));
   EXPECT_EQ(Bytes(cut.begin() + 95, cut.begin() + 104), (Bytes{'7', 0, '8', 0, 0, 0, 0, 255, 255}));
@@ -70,17 +60,17 @@ TEST(ArrayRecordsTest, LaysOutAController) {
       "id": "0x8877665544332211", "extension": "0xccbbaa99", "state": "pending remove", "interface": "SAS",
       "congestion": { "present": 3, "start": 3723, "intervals": 70000, "ioExceeded": 1, "population": 2,
                       "averageResponse": 3, "totalResponse": "0x04000000" } } ] }]})");
-  EXPECT_EQ(Differences(ControllerRecord(array.controllers[0]),
-                        Expected(7328, {{8, Characters("S123456789")},
-                                        {18, {200, 1, 4, 7}},
-                                        {32, {0, 1, 0}},
-                                        {32 + 28, {0, 0, 0, 0x77, 0, 0, 0, 0}},
-                                        {260, {3, 3, 6, 0}},
-                                        {264, {0x8B, 0x0E, 0, 0, 0x70, 0x11, 1, 0, 1, 0, 0, 0}},
-                                        {276, {2, 0, 0, 0, 3, 0, 0, 0, 0, 0, 0, 4}},
-                                        {288, {0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88}},
-                                        {296, {0x99, 0xAA, 0xBB, 0xCC}}})),
-            kNone);
+  EXPECT_EQ(Difference(ControllerRecord(array.controllers[0]), 7328,
+                       {{8, Text("S123456789")},
+                        {18, {200, 1, 4, 7}},
+                        {32, {0, 1, 0}},
+                        {32 + 28, {0, 0, 0, 0x77, 0, 0, 0, 0}},
+                        {260, {3, 3, 6, 0}},
+                        {264, {0x8B, 0x0E, 0, 0, 0x70, 0x11, 1, 0, 1, 0, 0, 0}},
+                        {276, {2, 0, 0, 0, 3, 0, 0, 0, 0, 0, 0, 4}},
+                        {288, {0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88}},
+                        {296, {0x99, 0xAA, 0xBB, 0xCC}}}),
+            7328U);
 }
 
 TEST(ArrayRecordsTest, LaysOutALun) {
@@ -94,25 +84,18 @@ TEST(ArrayRecordsTest, LaysOutALun) {
       "previousStatus": "transitioning", "deviceInfo": "0xfffffa8001020304", "deviceInfoRest": "0x1112131415161718",
       "weight": 200, "addressLength": 12, "port": 3, "path": 4, "target": 5, "lun": 6, "requestsInProgress": 4660,
       "condition": "administratively offline", "flags": [true, false, 2, "yes", "no", 255] } ] }]})");
-  EXPECT_EQ(
-      Differences(LunRecord(array.luns[0], 1), Expected(2126, {{8, Characters("abcdefghijklmnopqrstuvwxyz012345")},
-                                                               {40, {'V', 0, 'P', 0}},
-                                                               {90, {3, 4, 33, 7, 1, 4}},
-                                                               {98, {1}},
-                                                               {99, Characters("OWNER00001")},
-                                                               {109, {0}},
-                                                               {110, Characters("PREFER0002")},
-                                                               {120, Characters("MPIO Disk5")},
-                                                               {130, {1, 9, 4, 3, 2, 1, 3, 0, 0, 0, 2}},
-                                                               {142, {1, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 2}},
-                                                               {155, {4, 3, 2, 1, 0x80, 0xFA, 0xFF, 0xFF}},
-                                                               {163, {0x18, 0x17, 0x16, 0x15, 0x14, 0x13, 0x12, 0x11}},
-                                                               {171, {200}},
-                                                               {174, {12, 0, 0, 0, 3, 4, 5, 6}},
-                                                               {190, {18, 15, 0x34, 0x12}},
-                                                               {194, {1, 0, 2, 1, 0, 255}},
-                                                               {200, {2, 0, 0, 0}}})),
-      kNone);
+  EXPECT_EQ(Difference(LunRecord(array.luns[0], 1), 2126,
+                       {{8, Text("abcdefghijklmnopqrstuvwxyz012345")},
+                        {40, {'V', 0, 'P', 0}},
+                        {90, {3, 4, 33, 7, 1, 4}},
+                        {98, Text("\1OWNER00001")},
+                        {110, Text("PREFER0002MPIO Disk5")},
+                        {130, {1, 9, 4, 3, 2, 1, 3, 0, 0, 0, 2}},
+                        {142, {1, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 2}},
+                        {155, {4, 3, 2, 1, 0x80, 0xFA, 0xFF, 0xFF, 0x18, 0x17, 0x16, 0x15, 0x14, 0x13, 0x12, 0x11}},
+                        {171, {200, 0, 0, 12, 0, 0, 0, 3, 4, 5, 6}},
+                        {190, {18, 15, 0x34, 0x12, 1, 0, 2, 1, 0, 255, 2, 0, 0, 0}}}),
+            2126U);
 }
 
 TEST(ArrayRecordsTest, LaysOutADeviceAndWhatIsGivenRaw) {
@@ -120,74 +103,33 @@ TEST(ArrayRecordsTest, LaysOutADeviceAndWhatIsGivenRaw) {
     "raw": "01 02", "controllers": [{"raw": []}], "luns": [{"raw": "ff", "size": 9}],
     "devices": [ {"state": 4, "controller": "none", "port": 1, "path": 2, "target": 3, "lun": 250},
                  {"raw": [7, 8, 9]} ]})");
-  EXPECT_EQ(DeviceRecord(array.devices[0]), Expected(60, {{40, {4, 255}}, {56, {1, 2, 3, 250}}}));
+  EXPECT_EQ(Difference(DeviceRecord(array.devices[0]), 60, {{40, {4, 255}}, {56, {1, 2, 3, 250}}}), 60U);
   EXPECT_EQ(DeviceRecord(array.devices[1]), (Bytes{7, 8, 9}));
   EXPECT_EQ(ArrayRecord(array), (Bytes{1, 2}));
   EXPECT_EQ(ControllerRecord(array.controllers[0]), Bytes());
   EXPECT_EQ(LunRecord(array.luns[0], 0), (Bytes{0xFF}));
 }
 
-TEST(ArrayRecordsTest, AccessFollowsTheOwnerUnlessDescribed) {
-  const ArrayModel array = Array(R"({"luns": [{"preferred": "B", "owner": "A", "paths": [
+TEST(ArrayRecordsTest, AHealthyLunIsTheDefaultAndAccessFollowsTheOwner) {
+  const ArrayModel array = Array(R"({"luns": [{}, {}, {"preferred": "B", "owner": "A", "paths": [
     {"controller": "A"}, {"controller": "B"}, {"controller": "B", "state": "failed"}, {"previousStatus": 9} ]}]})");
-  const auto states = [&array](std::uint8_t owner) {
-    const Bytes record = LunRecord(array.luns[0], owner);
-    Bytes read(record.begin() + 98, record.begin() + 109);
-    for (const std::size_t path : {0U, 1U, 2U, 3U}) {
-      for (const std::size_t field : {12U, 48U, 49U}) {
-        read.push_back(record[142 + 62 * path + field]);
-      }
+  const auto access = [&array](std::size_t lun, std::uint8_t owner) {
+    const Bytes record = LunRecord(array.luns[lun], owner);
+    Bytes read;
+    for (const std::size_t path : {142U, 204U, 266U, 328U}) {
+      read.insert(read.end(), {record[path + 12], record[path + 48], record[path + 49]});
     }
     return read;
   };
-  const auto expected = [](std::uint8_t owner, const std::string& serial, const Bytes& codes) {
-    Bytes bytes{owner};
-    bytes.insert(bytes.end(), serial.begin(), serial.end());
-    bytes.insert(bytes.end(), codes.begin(), codes.end());
-    return bytes;
-  };
-  EXPECT_EQ(states(0), expected(0, "SN00000000", {0, 0, 0, 1, 1, 1, 18, 18, 18, 1, 1, 9}));
-  EXPECT_EQ(states(1), expected(1, "SN00000001", {1, 1, 1, 0, 0, 0, 18, 18, 18, 0, 0, 9}));
-}
-
-TEST(ArrayRecordsTest, DefaultsAreThoseOfAHealthyArray) {
-  const ArrayModel array = Array(R"({"luns": [{}, {}]})");
-  const Bytes record = ArrayRecord(array);
-  EXPECT_EQ(Bytes(record.begin() + 164, record.begin() + 176), (Bytes{0, 0, 0, 0, 2, 0, 0, 0, 2, 0, 0, 0}));
-  const Bytes lun = LunRecord(array.luns[1], array.luns[1].owner);
+  EXPECT_EQ(access(2, 0), (Bytes{0, 0, 0, 1, 1, 1, 18, 18, 18, 1, 1, 9}));
+  EXPECT_EQ(access(2, 1), (Bytes{1, 1, 1, 0, 0, 0, 18, 18, 18, 0, 0, 9}));
+  EXPECT_EQ(access(1, 1), (Bytes{1, 1, 1, 1, 1, 1, 0, 0, 0, 0, 0, 0}));
   // Normal, TPGS explicit, four paths, round robin with subset; owned and preferred by the second controller.
-  EXPECT_EQ(Bytes(lun.begin() + 90, lun.begin() + 99), (Bytes{1, 2, 4, 3, 0, 0, 0, 0, 1}));
-  EXPECT_EQ(lun[109], 1);
-  for (const std::size_t path : {0U, 1U, 2U, 3U}) {
-    EXPECT_EQ(lun[142 + 62 * path + 12], path < 2 ? 1 : 0);
-    EXPECT_EQ(lun[142 + 62 * path + 39], 1);
-    EXPECT_EQ(lun[142 + 62 * path + 58], 1);
-  }
-  EXPECT_EQ(array.devices.size(), 8U);
+  const Bytes lun = LunRecord(array.luns[1], array.luns[1].owner);
+  EXPECT_EQ(Bytes(lun.begin() + 90, lun.begin() + 110),
+            (Bytes{1, 2, 4, 3, 0, 0, 0, 0, 1, 'S', 'N', '0', '0', '0', '0', '0', '0', '0', '1', 1}));
+  EXPECT_EQ(array.devices.size(), 12U);
   EXPECT_EQ(LunRecord(Array(R"({"luns": [{"number": 5, "paths": []}]})").luns[0], 0)[181], 5);
-}
-
-TEST(ArrayRecordsTest, ALunHasAtMost32PathsSharedEvenly) {
-  const auto pathsOf = [](std::size_t a, std::size_t b) {
-    const auto list = [](std::size_t count) {
-      std::string paths;
-      for (std::size_t path = 0; path < count; ++path) {
-        paths += path == 0 ? "{}" : ",{}";
-      }
-      return "{\"paths\":[" + paths + "]}";
-    };
-    const ArrayModel array = Array("{\"controllers\":[" + list(a) + "," + list(b) + "],\"luns\":[{}]}");
-    std::pair<std::size_t, std::size_t> counts;
-    for (const LunPathModel& path : array.luns[0].paths) {
-      ++(path.controller == 0 ? counts.first : counts.second);
-    }
-    return counts;
-  };
-  using Counts = std::pair<std::size_t, std::size_t>;
-  EXPECT_EQ(pathsOf(32, 32), Counts(16, 16));
-  EXPECT_EQ(pathsOf(32, 3), Counts(29, 3));
-  EXPECT_EQ(pathsOf(1, 32), Counts(1, 31));
-  EXPECT_EQ(pathsOf(2, 0), Counts(2, 0));
 }
 
 } // namespace
