@@ -8,6 +8,7 @@
 #include "app/cli/console/trace.h"
 #include "app/cli/controller_option.h"
 #include "app/cli/usage.h"
+#include "app/mpio/mpio_parameters.h"
 #include "wmi/wmi_layer_trace.h"
 
 #include <algorithm>
@@ -45,6 +46,11 @@ std::int32_t Scan(const CommandLine&, std::int32_t) {
   return PerformScan(gOptionArgument);
 }
 
+std::int32_t ActOnMpioParameters(const CommandLine&, std::int32_t) {
+  TracePrint("ProcessMpioParameters('%s')\n", gOptionArgument);
+  return UtilpProcessMpioParameters();
+}
+
 std::int32_t SelectDsm(const CommandLine& commandLine, std::int32_t) {
   return HandleDsmOption(commandLine.wordCount, commandLine.words);
 }
@@ -76,7 +82,7 @@ constexpr OptionRow kOptions[] = {
     {'D', PickedWord::kPlain, SelectDsm},
     {'M', PickedWord::kNone, KeepStatus},
     {'R', PickedWord::kNone, KeepStatus},
-    {'P', PickedWord::kNone, KeepStatus},
+    {'P', PickedWord::kNone, ActOnMpioParameters},
 };
 
 void PickUpWord(PickedWord use, const CommandLine& commandLine) {
