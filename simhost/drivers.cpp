@@ -18,6 +18,10 @@ void BuildDrivers(const Node& dsms, Host& host) {
   for (const Node& node : dsms.Elements(kMaxDrivers)) {
     DriverModel driver = ReadDriver(node, index++);
     AddDriverDataClasses(host.repository, driver.generation);
+    host.installedDsms.push_back(
+        {driver.name,
+         driver.context,
+         {driver.version.major, driver.version.minor, driver.version.build, driver.version.qfe}});
     if (driver.methodsClass.empty()) {
       continue;
     }

@@ -1,10 +1,11 @@
+#include "simhost/framework_parts.h"
 #include "simhost/host_sections.h"
 
 #include <memory>
 #include <utility>
 #include <vector>
 
-// The operating system's MPIO framework: the adapters of its paths.
+// The operating system's MPIO framework: what it is made of, and the adapters of its paths.
 
 namespace simhost {
 namespace {
@@ -55,7 +56,7 @@ public:
       paths.push_back(std::move(path));
     }
     CimObject instance(definition);
-    instance.Set(L"InstanceName", L"ROOT\\MPIO\\0000_0");
+    instance.Set(L"InstanceName", kFrameworkInstance);
     instance.Set(L"Active", true);
     instance.Set(L"NumberPaths", m_framework.announcedPaths);
     instance.Set(L"Pad", 0U);
@@ -91,7 +92,9 @@ void BuildFramework(const Node& mpio, Host& host) {
     return;
   }
   FrameworkModel framework;
-  ReadMembers(mpio, [&framework](Members& keys) {
+  ReadMembers(mpio, [&](Members& keys) {
+    AddRegisteredDsms(keys["dsms"], host);
+    AddFrameworkDrives(keys["drives"], host);
     for (const Node& adapter : keys["paths"].Elements(kMaxAdapters)) {
       framework.adapters.push_back(ReadAdapter(adapter));
     }

@@ -13,6 +13,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // The simulated host as a whole: what its description says, what has become of it, and its repository.
 
@@ -22,6 +23,13 @@ namespace simhost {
 struct ComputerName {
   std::optional<std::wstring> name;
   std::optional<std::wstring> domain;
+};
+
+/// A DSM that the framework knows because it is installed.
+struct InstalledDsm {
+  std::wstring name;
+  std::uint64_t context = 0;
+  std::uint32_t version[4] = {}; ///< major, minor, build, QFE
 };
 
 struct Host {
@@ -36,7 +44,8 @@ struct Host {
   OverrideRules overrides;
   ComputerName computer;
   bool deviceTreeRoot = true; ///< the device tree has a root
-  Repository repository;      ///< last: its providers refer to what stands above
+  std::vector<InstalledDsm> installedDsms;
+  Repository repository; ///< last: its providers refer to what stands above
 
   /// Waits out the delay of an outcome and gives its result.
   HRESULT Finish(const Outcome& outcome) {
