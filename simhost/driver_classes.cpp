@@ -2,6 +2,7 @@
 
 #include "simhost/driver_options.h"
 #include "simhost/module_answers.h"
+#include "simhost/module_status.h"
 
 #include <string>
 #include <utility>
@@ -70,6 +71,7 @@ void AddDriverDataClasses(Repository& repository, int generation) {
   DriverOptions::AddClasses(repository);
   if (generation != 2) {
     AddModuleClasses(repository);
+    AddModuleStatusClass(repository);
     return;
   }
   AddDataClass(repository, L"VRXDSM_VERSION",

@@ -3,6 +3,7 @@
 #include "simhost/array_records.h"
 #include "simhost/module_answers.h"
 #include "simhost/module_changes.h"
+#include "simhost/module_status.h"
 #include "simhost/text.h"
 
 #include <algorithm>
@@ -94,6 +95,7 @@ const DriverProvider::MethodRow DriverProvider::kMethods[] = {
     {L"VrxGetModuleInfo", &DriverProvider::GiveModule},
     {L"VrxGetControllerInfo", &DriverProvider::GiveModuleControllers},
     {L"VrxGetDiskInfo", &DriverProvider::GiveModuleDisks},
+    {L"VrxGetModuleStatus", &DriverProvider::GiveModuleStatus},
     {L"VrxSetDebugLevel", &DriverProvider::SetDebugLevel},
     {L"VrxSetErrorLevel", &DriverProvider::SetErrorLevel},
     {L"VrxPerformScan", &DriverProvider::PerformScan},
@@ -203,7 +205,7 @@ HRESULT DriverProvider::GiveDevices(const MethodCall& call, CimObject* output) {
                   });
 }
 
-HRESULT DriverProvider::GiveOfModule(const MethodCall& call, CimObject& output, ModuleAnswer answer) {
+HRESULT DriverProvider::GiveOfModule(const MethodCall& call, CimObject& output, const ModuleAnswer& answer) {
   const auto module = std::find_if(m_driver.modules.begin(), m_driver.modules.end(),
                                    [&id = call.Input(L"ModuleId")](const ModuleModel& candidate) {
                                      return !id.IsNull() && candidate.id == id.Number();
@@ -230,6 +232,12 @@ HRESULT DriverProvider::GiveModuleControllers(const MethodCall& call, CimObject*
 
 HRESULT DriverProvider::GiveModuleDisks(const MethodCall& call, CimObject* output) {
   return GiveOfModule(call, *output, AnswerDisks);
+}
+
+HRESULT DriverProvider::GiveModuleStatus(const MethodCall& call, CimObject* output) {
+  return GiveOfModule(call, *output, [this](const Repository& repository, const ModuleModel& module) {
+    return AnswerStatus(repository, module, {m_driver.maxLuns, m_driver.maxPaths});
+  });
 }
 
 HRESULT DriverProvider::SetDebugLevel(const MethodCall& call, CimObject* /*output*/) {

@@ -5,6 +5,7 @@
 #include "simhost/host.h"
 #include "simhost/provider.h"
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,7 +30,7 @@ private:
   static const MethodRow kMethods[];
 
   /// What makes an answer of a module.
-  using ModuleAnswer = CimObject (*)(const Repository& repository, const ModuleModel& module);
+  using ModuleAnswer = std::function<CimObject(const Repository& repository, const ModuleModel& module)>;
 
   HRESULT GiveNumber(const MethodCall& call, CimObject* output);
   HRESULT GiveVersion(const MethodCall& call, CimObject* output);
@@ -40,13 +41,14 @@ private:
   HRESULT GiveModule(const MethodCall& call, CimObject* output);
   HRESULT GiveModuleControllers(const MethodCall& call, CimObject* output);
   HRESULT GiveModuleDisks(const MethodCall& call, CimObject* output);
+  HRESULT GiveModuleStatus(const MethodCall& call, CimObject* output);
   HRESULT SetDebugLevel(const MethodCall& call, CimObject* output);
   HRESULT SetErrorLevel(const MethodCall& call, CimObject* output);
   HRESULT PerformScan(const MethodCall& call, CimObject* output);
   HRESULT ControlOptions(const MethodCall& call, CimObject* output);
 
   /// Gives the answer about the module that the call names; fails when there is none of that id.
-  HRESULT GiveOfModule(const MethodCall& call, CimObject& output, ModuleAnswer answer);
+  HRESULT GiveOfModule(const MethodCall& call, CimObject& output, const ModuleAnswer& answer);
   /// The arrays that a call's input selects; none when it selects nothing, which fails the method.
   std::vector<const ArrayModel*> Select(const MethodCall& call) const;
   /// The designation of the controller that owns the LUN now; `described` is the one that owned it at first.

@@ -90,6 +90,7 @@ void AppendModuleMethods(std::vector<MethodDefinition>& methods) {
   methods.push_back(OfModule(L"VrxGetModuleInfo", L"ModuleInfo", L"VRXDSM_ARRAY_MODULE"));
   methods.push_back(OfModule(L"VrxGetControllerInfo", L"ControllerInfo", L"VRXDSM_CONTROLLER_MODULE_LIST"));
   methods.push_back(OfModule(L"VrxGetDiskInfo", L"DiskInfo", L"VRXDSM_DISKINFO_LIST"));
+  methods.push_back(OfModule(L"VrxGetModuleStatus", L"ModuleStatus", L"UTIL_STATUS_INFO"));
 }
 
 CimObject AnswerModule(const Repository& repository, const ModuleModel& module) {
