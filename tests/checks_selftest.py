@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
-"""Holds the include check and the message coverage to their word, on small trees made for it."""
+"""Holds the checks to their word: those of sources on small trees, that of the manual on small texts."""
 
 import pathlib
 import tempfile
 import unittest
 
 import include_check
+from manual_examples import problems_of as problems_of_manual
 from message_coverage import problems_of
 from message_sources import SourceError
 
@@ -124,6 +125,41 @@ class MessageCoverage(Trees):
         for call in ("Print(kText)", r'std::fputs("one\n", stdout)', r'Print("%ws\n", w)', r'Print("%p\n", p)'):
             with self.subTest(call=call), self.assertRaises(SourceError):
                 self.unprinted(call, "one\n")
+
+
+class OtherHost:
+    """A directory where every command prints the same, and everything can be set."""
+
+    def apply(self, word, text):
+        pass
+
+    def run(self, words, together):
+        return (1, "one \n\ntwo\nthree\n", ""), []
+
+
+class ManualExamples(unittest.TestCase):
+    def test_what_holds(self):
+        host, same = "<!-- host h -->\n", "<!-- same host -->\n<!-- remove f -->\n\n"
+        rows = [
+            (host, "$ korvex -a\none\n\ntwo\nthree\n$ echo $?\n1\n", 0),
+            (host, "$ korvex -a\none\n...\nthree\n", 0),
+            (host, "$ korvex -a\none\n\ntwo\n", 1),
+            (host, "$ korvex -a\none\n...\ntwo\n$ korvex -a\n...\n", 1),
+            (host, "$ korvex -a\none\ntwo\nthree\n", 1),
+            (host, "$ korvex -a\n...\n$ echo $?\n0\n", 1),
+            (host, "$ korvex -a\n...\n$ ls\n", 1),
+            (host, "one\n$ korvex -a\n...\n", 1),
+            (host + "Text.\n", "$ korvex -a\n...\n", 1),
+            (same, "$ korvex -a\n...\n", 1),
+            ("", "$ korvex -a\n...\n", 1),
+        ]
+        for comments, body, count in rows:
+            with self.subTest(comments=comments, body=body):
+                self.assertEqual(len(problems_of_manual(f"Text.\n\n{comments}```console\n{body}```\n", OtherHost)), count)
+        block = f"```console\n{rows[0][1]}```\n"
+        self.assertEqual(problems_of_manual(host + block + same + block, OtherHost), [])
+        for manual in ("Text.\n", host + block + "```\n$ korvex -g 1\n```\n", host + block + "- list\n\n  " + block):
+            self.assertEqual(len(problems_of_manual(manual, OtherHost)), 1, manual)
 
 
 if __name__ == "__main__":
