@@ -37,6 +37,7 @@ Json AuditReport() {
   const platform::LiveObjects live = platform::CountLiveObjects();
   return Json::Object{{"bstrs", live.bstrs},
                       {"safearrays", live.safeArrays},
+                      {"handles", live.handles},
                       {"interfaces", std::move(interfaces)},
                       {"stores", std::move(stores)},
                       {"coercions", TheStatistics().coercions.load()},

@@ -32,8 +32,8 @@ Statistics& TheStatistics();
 std::uint64_t LiveCount(InterfaceKind kind);
 std::uint64_t CallCount(std::string_view operation);
 
-/// The counters and the platform's own as one JSON object: "bstrs", "safearrays", "interfaces", "stores" (by name),
-/// "coercions", "calls" (by operation, those made at all).
+/// The counters and the platform's own as one JSON object: "bstrs", "safearrays", "handles", "interfaces", "stores" (by
+/// name), "coercions", "calls" (by operation, those made at all).
 Json AuditReport();
 
 } // namespace simhost

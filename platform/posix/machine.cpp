@@ -73,7 +73,8 @@ std::filesystem::path ExecutableDirectory() {
 }
 
 LiveObjects CountLiveObjects() {
-  return {gLiveBstrs.load(std::memory_order_relaxed), gLiveSafeArrays.load(std::memory_order_relaxed)};
+  return {gLiveBstrs.load(std::memory_order_relaxed), gLiveSafeArrays.load(std::memory_order_relaxed),
+          gLiveHandles.load(std::memory_order_relaxed)};
 }
 
 } // namespace platform

@@ -3,6 +3,7 @@
 #include "platform/com.h"
 #include "platform/devices.h"
 #include "platform/host.h"
+#include "platform/registry.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -10,10 +11,47 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // The one port through which the POSIX side of the platform reaches the machine that it runs on.
 
 namespace platform {
+
+/// What RegQueryInfoKeyW tells of a key.
+struct RegistryCounts {
+  DWORD subkeys = 0;
+  DWORD longestSubkey = 0; ///< wide characters
+  DWORD values = 0;
+  DWORD longestValueName = 0; ///< wide characters
+  DWORD longestData = 0;      ///< bytes
+};
+
+struct RegistryValue {
+  DWORD type = REG_NONE;
+  std::vector<std::uint8_t> data;
+};
+
+/// One key of the machine's registry, held open. It stays this key when it is deleted: each operation then gives
+/// ERROR_KEY_DELETED. Operations give a result code, ERROR_SUCCESS with what they were asked for; paths have components
+/// separated by backslashes, an empty one is the key itself. Called from any thread; does not throw but for memory.
+class RegistryKey {
+public:
+  virtual ~RegistryKey() = default;
+
+  /// The key's path below the root, as it is written.
+  virtual const std::wstring& Path() const = 0;
+  /// The rights that the key grants whoever opens it.
+  virtual REGSAM Rights() = 0;
+  virtual DWORD Open(std::wstring_view path, std::shared_ptr<RegistryKey>& opened) = 0;
+  /// Opens the key, making it and what is missing above it.
+  virtual DWORD Create(std::wstring_view path, std::shared_ptr<RegistryKey>& opened, bool& isNew) = 0;
+  virtual DWORD Count(RegistryCounts& counts) = 0;
+  virtual DWORD SubkeyName(DWORD index, std::wstring& name) = 0;
+  virtual DWORD ReadValue(std::wstring_view name, RegistryValue& value) = 0;
+  virtual DWORD WriteValue(std::wstring_view name, RegistryValue value) = 0;
+  /// ERROR_ACCESS_DENIED for a key with subkeys and for the root.
+  virtual DWORD Delete() = 0;
+};
 
 /// The machine behind the platform's calls. Its operations are called from any thread, do not throw, and leave the last
 /// error to the platform; the platform saves and restores errno around them, and asks for no faults while one runs.
@@ -35,7 +73,9 @@ public:
   /// CoSetProxyBlanket, SysAllocString (the text), SafeArrayCreate, SafeArrayGetLBound, SafeArrayGetUBound,
   /// SafeArrayAccessData, VariantCopy, AllocateStore (the store's name), GetComputerNameExW ("ComputerNameDnsHostname"
   /// and its like), GetTimeFormatW and GetDateFormatW (the picture), FileTimeToSystemTime, CM_Locate_DevNode_ExW,
-  /// CM_Reenumerate_DevNode_Ex, fopen (the path).
+  /// CM_Reenumerate_DevNode_Ex, fopen (the path), RegOpenKeyExW, RegCreateKeyExW, RegDeleteKeyW, RegQueryInfoKeyW,
+  /// RegEnumKeyExW and RegCloseKey (the key's path below HKEY_LOCAL_MACHINE), RegQueryValueExW and RegSetValueExW (the
+  /// same and the value's name behind a backslash). A code of 0 makes a registry call succeed without doing anything.
   virtual std::optional<std::uint32_t> TakeFault(std::string_view operation, std::string_view target) = 0;
 
   /// Makes the COM object of a class: REGDB_E_CLASSNOTREG for a class that the machine does not have.
@@ -51,6 +91,9 @@ public:
   /// The device tree: its root, and a new enumeration of one node.
   virtual CONFIGRET LocateDeviceTreeRoot(DEVINST& node) = 0;
   virtual CONFIGRET ReenumerateDeviceNode(DEVINST node) = 0;
+
+  /// The registry's HKEY_LOCAL_MACHINE; none for a machine without a registry.
+  virtual std::shared_ptr<RegistryKey> LocalMachineKey() { return nullptr; }
 };
 
 /// The machine of this process; made by MakeMachine at the first use. It is never destroyed at the end of the process,
@@ -83,6 +126,7 @@ std::filesystem::path ExecutableDirectory();
 struct LiveObjects {
   std::uint64_t bstrs;
   std::uint64_t safeArrays;
+  std::uint64_t handles; ///< of every kind
 };
 LiveObjects CountLiveObjects();
 

@@ -16,5 +16,9 @@ Machine* MachineWithFaults() noexcept;
 /// Objects alive now, for CountLiveObjects.
 inline std::atomic<std::uint64_t> gLiveBstrs{0};
 inline std::atomic<std::uint64_t> gLiveSafeArrays{0};
+inline std::atomic<std::uint64_t> gLiveHandles{0};
+
+/// Handles given so far, of every kind.
+inline std::atomic<std::uint64_t> gHandlesEver{0};
 
 } // namespace platform
