@@ -91,6 +91,12 @@ wmiReturn BuildInputArguments(void* argument, OrbWmiVariant& input) {
   return SetArgumentObject(L"VRXDSM_INPUT_ARGUMENTS", properties, input);
 }
 
+/// The room above knows what an option request is made of.
+wmiReturn BuildOptionRequest(void* argument, OrbWmiVariant& input) {
+  const RequestCallbacks* callbacks = ConnectedCallbacks();
+  return callbacks == nullptr ? kNothingToDo : callbacks->buildOptionRequest(argument, input);
+}
+
 /// How the input of a request is built.
 struct InputRow {
   std::uint32_t code;
@@ -112,6 +118,7 @@ constexpr InputRow kInputRows[] = {
     {request::kGetDeviceInfo, true, &BuildInputArguments},
     {request::kGetTpgInfoWithStatus, true, &BuildInputArguments},
     {request::kGetDeviceInfoWithStatus, true, &BuildInputArguments},
+    {request::kOptionControlRequest, true, &BuildOptionRequest},
 };
 
 } // namespace

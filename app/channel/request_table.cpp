@@ -18,6 +18,10 @@ std::uint32_t GetRdacInfoThroughConnection(std::uint32_t requestCode, void* argu
   return gCallbacks == nullptr ? 1 : gCallbacks->getRdacInfo(requestCode, argument, output);
 }
 
+std::uint32_t SendOptionsThroughConnection(std::uint32_t requestCode, void* argument, OrbWmiVariant& output) {
+  return gCallbacks == nullptr ? 1 : gCallbacks->sendOptionControlRequest(requestCode, argument, output);
+}
+
 constexpr RequestTableEntry kRequestTable[] = {
     {request::kGetDeviceInfo, L"VrxDsmGetDeviceInfo", L"inputArguments", L"DEVInfo", nullptr},
     {request::kGetDeviceInfoWithStatus, L"VrxDsmGetDeviceInfoWithStatus", L"inputArguments", L"DEVInfo", nullptr},
@@ -44,7 +48,7 @@ constexpr RequestTableEntry kRequestTable[] = {
     {request::kSetErrorLevel, L"VrxSetErrorLevel", L"ErrorLevel", nullptr, nullptr},
     {request::kReenumerateDeviceTree, nullptr, nullptr, nullptr, &ReenumerateDeviceTree},
     {request::kPerformScan, L"VrxPerformScan", L"ScanType", nullptr, nullptr},
-    {request::kSendOptionControlRequest, nullptr, nullptr, nullptr, nullptr},
+    {request::kSendOptionControlRequest, nullptr, nullptr, nullptr, &SendOptionsThroughConnection},
     {request::kOptionControlRequest, L"VrxOptionControlRequest", L"InputParams", L"OutputParams", nullptr},
     {0, nullptr, nullptr, nullptr, nullptr},
 };
@@ -62,6 +66,10 @@ const RequestTableEntry* FindRequest(std::uint32_t code) {
 
 void ConnectRequestTable(const RequestCallbacks& callbacks) {
   gCallbacks = &callbacks;
+}
+
+const RequestCallbacks* ConnectedCallbacks() {
+  return gCallbacks;
 }
 
 } // namespace korvex

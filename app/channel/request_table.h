@@ -1,6 +1,7 @@
 #pragma once
 
 #include "wmi/orb_wmi_variant.h"
+#include "wmi/wmi_return.h"
 
 #include <cstdint>
 
@@ -29,8 +30,13 @@ const RequestTableEntry* FindRequest(std::uint32_t code);
 struct RequestCallbacks {
   RequestCallback& collectDsmArrayInfo;
   RequestCallback& getRdacInfo;
+  RequestCallback& sendOptionControlRequest;
+  /// Builds the input of request 0x4F03 from the caller's holder.
+  wmiReturn (&buildOptionRequest)(void* argument, OrbWmiVariant& input);
 };
 /// Connects the table with the higher rooms; once, before the first request. `callbacks` must live for the whole run.
 void ConnectRequestTable(const RequestCallbacks& callbacks);
+/// What was connected, or none.
+const RequestCallbacks* ConnectedCallbacks();
 
 } // namespace korvex

@@ -1,5 +1,6 @@
 #include "app/cli/option_table.h"
 
+#include "app/channel/channel.h"
 #include "app/channel/control_requests.h"
 #include "app/channel/dsm_selection.h"
 #include "app/cli/array_options.h"
@@ -9,6 +10,9 @@
 #include "app/cli/controller_option.h"
 #include "app/cli/usage.h"
 #include "app/mpio/mpio_parameters.h"
+#include "app/options/feature_options.h"
+#include "app/settings/policy_removal.h"
+#include "app/settings/settings_removal.h"
 #include "wmi/wmi_layer_trace.h"
 
 #include <algorithm>
@@ -46,9 +50,17 @@ std::int32_t Scan(const CommandLine&, std::int32_t) {
   return PerformScan(gOptionArgument);
 }
 
+std::int32_t ActOnFeatureOptions(const CommandLine&, std::int32_t) {
+  return ProcessFeatureOptions();
+}
+
 std::int32_t ActOnMpioParameters(const CommandLine&, std::int32_t) {
   TracePrint("ProcessMpioParameters('%s')\n", gOptionArgument);
   return UtilpProcessMpioParameters();
+}
+
+std::int32_t RemoveSettings(const CommandLine&, std::int32_t) {
+  return InterfaceGeneration() == 2 ? UtilpRemoveDeviceSpecificSettings() : regRemoveInactiveLBPSettings();
 }
 
 std::int32_t SelectDsm(const CommandLine& commandLine, std::int32_t) {
@@ -74,14 +86,14 @@ constexpr OptionRow kOptions[] = {
     {'d', PickedWord::kNone, SetDebugLevel},
     {'e', PickedWord::kNone, SetErrorLevel},
     {'g', PickedWord::kPlain, ReportArrayById},
-    {'o', PickedWord::kConsumed, KeepStatus},
+    {'o', PickedWord::kConsumed, ActOnFeatureOptions},
     {'s', PickedWord::kNone, Scan},
     {'S', PickedWord::kNone, KeepStatus},
     {'t', PickedWord::kNone, OpenTrace},
     {'w', PickedWord::kAny, ReportController},
     {'D', PickedWord::kPlain, SelectDsm},
     {'M', PickedWord::kNone, KeepStatus},
-    {'R', PickedWord::kNone, KeepStatus},
+    {'R', PickedWord::kNone, RemoveSettings},
     {'P', PickedWord::kNone, ActOnMpioParameters},
 };
 

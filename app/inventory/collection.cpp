@@ -67,13 +67,21 @@ void ForgetParts() {
   gDevInfoCount = 0;
 }
 
+/// Puts the selection's address into the holder that the answer comes back in.
+bool Hold(const InputArgumentsRecord* selection, OrbWmiVariant& holder) {
+  const std::uint64_t address = reinterpret_cast<std::uintptr_t>(selection);
+  return holder.SetProperty(&address, sizeof(address), CIM_UINT64) == kWmiSuccess;
+}
+
 /// Sends one information request for the selection; the answer comes back in `holder`.
 int SendForSelection(std::uint32_t requestCode, const InputArgumentsRecord* selection, OrbWmiVariant& holder) {
-  const std::uint64_t address = reinterpret_cast<std::uintptr_t>(selection);
-  if (holder.SetProperty(&address, sizeof(address), CIM_UINT64) != kWmiSuccess) {
-    return kIoctlFailed;
-  }
-  return Ioctl(requestCode, &holder);
+  return Hold(selection, holder) ? Ioctl(requestCode, &holder) : kIoctlFailed;
+}
+
+/// The same for a request of a status scan, which may take long.
+int SendTimed(std::uint32_t requestCode, const InputArgumentsRecord* selection, OrbWmiVariant& holder) {
+  const bool isHeld = gCollectionOutputs != nullptr && Hold(selection, holder);
+  return isHeld ? gCollectionOutputs->timedIoctl(requestCode, &holder) : kIoctlFailed;
 }
 
 /// Fills the stores with the selected array's controllers, LUNs and devices; false after a failed request.
@@ -82,11 +90,14 @@ bool CollectArrayParts(const InputArgumentsRecord* selection, const ReceiveBuffe
   OrbWmiVariant controllers;
   OrbWmiVariant luns;
   OrbWmiVariant devices;
-  if (SendForSelection(gStatusScanActive ? request::kGetTpgInfoWithStatus : request::kGetTpgInfo, selection,
-                       controllers) == kIoctlFailed ||
-      SendForSelection(request::kGetMpgInfo, selection, luns) == kIoctlFailed ||
-      SendForSelection(gStatusScanActive ? request::kGetDeviceInfoWithStatus : request::kGetDeviceInfo, selection,
-                       devices) == kIoctlFailed) {
+  const bool isSent = gStatusScanActive
+                          ? SendTimed(request::kGetTpgInfoWithStatus, selection, controllers) != kIoctlFailed &&
+                                SendForSelection(request::kGetMpgInfo, selection, luns) != kIoctlFailed &&
+                                SendTimed(request::kGetDeviceInfoWithStatus, selection, devices) != kIoctlFailed
+                          : SendForSelection(request::kGetTpgInfo, selection, controllers) != kIoctlFailed &&
+                                SendForSelection(request::kGetMpgInfo, selection, luns) != kIoctlFailed &&
+                                SendForSelection(request::kGetDeviceInfo, selection, devices) != kIoctlFailed;
+  if (!isSent) {
     TracePrint("Unable to send ioctl request - %s!\n", RuntimeErrorText());
     return false;
   }

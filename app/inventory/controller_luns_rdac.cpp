@@ -8,6 +8,8 @@
 #include "app/inventory/limits.h"
 #include "app/inventory/wwn_text.h"
 
+#include <cstring>
+
 namespace korvex {
 
 namespace {
@@ -38,7 +40,7 @@ bool FindModule(const char* wwn, RdacInfoRequest& request) {
       TracePrint("Unable to send ioctl request - %s!\n", RuntimeErrorText());
       continue;
     }
-    if (IsTextOfWwn(wwn, request.info.Module().WWN)) {
+    if (std::strcmp(WwnText(request.info.Module().WWN).c_str(), wwn) == 0) {
       return true;
     }
   }

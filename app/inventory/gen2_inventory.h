@@ -29,6 +29,8 @@ struct CollectionOutputs {
   bool (&printArraySummaryRow)();
   void (&printListingClosingRule)();
   bool (&printArrayInformation)();
+  /// Sends a request that may take long while a status scan is under way: 0, 3 or a failure.
+  int (&timedIoctl)(std::uint32_t requestCode, void* argument);
 };
 /// Connects the collection with the higher rooms; once, before the first collection. `outputs` must live for the whole
 /// run.

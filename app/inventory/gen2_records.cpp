@@ -81,6 +81,10 @@ std::span<const TpgPathEntry> TpgControllerRecord::PathsInUse() const {
   return std::span(paths).first(std::min<std::size_t>(numberOfPaths, kPathEntries));
 }
 
+WwnCharacters ReadMpgDeviceWwn(std::span<const std::uint8_t> bytes) {
+  return RecordBytes(bytes).Bytes<32>(8);
+}
+
 MpgDeviceRecord ReadMpgDeviceRecord(std::span<const std::uint8_t> bytes) {
   const RecordBytes record(bytes);
   MpgDeviceRecord lun{};
@@ -110,6 +114,11 @@ MpgDeviceRecord ReadMpgDeviceRecord(std::span<const std::uint8_t> bytes) {
 
 std::span<const MpgPathEntry> MpgDeviceRecord::PathsInUse() const {
   return std::span(paths).first(std::min<std::size_t>(numberOfPaths, kPathEntries));
+}
+
+DeviceInfoRecord ReadDeviceInfoRecord(std::span<const std::uint8_t> bytes) {
+  const RecordBytes record(bytes);
+  return {record.U8(40), record.U8(41), record.U8(56), record.U8(57), record.U8(58), record.U8(59)};
 }
 
 } // namespace korvex

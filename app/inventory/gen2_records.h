@@ -123,5 +123,18 @@ struct MpgDeviceRecord {
   std::uint8_t LunNumber() const { return paths[0].scsiAddress.lun; }
 };
 MpgDeviceRecord ReadMpgDeviceRecord(std::span<const std::uint8_t> bytes);
+/// The record's WWN alone.
+WwnCharacters ReadMpgDeviceWwn(std::span<const std::uint8_t> bytes);
+
+/// One path of a LUN as the device lists tell it.
+struct DeviceInfoRecord {
+  std::uint8_t pathState;
+  std::uint8_t controller; ///< 0 = A, 255 = none, else B
+  std::uint8_t port;
+  std::uint8_t path;
+  std::uint8_t target;
+  std::uint8_t lun;
+};
+DeviceInfoRecord ReadDeviceInfoRecord(std::span<const std::uint8_t> bytes);
 
 } // namespace korvex

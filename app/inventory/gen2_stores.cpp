@@ -2,6 +2,7 @@
 
 #include "app/cli/console/error_text.h"
 #include "app/cli/console/print.h"
+#include "app/inventory/current_array.h"
 #include "platform/allocation.h"
 
 #include <utility>
@@ -95,6 +96,19 @@ TpgControllerRecord StoredController(std::uint32_t index) {
 
 MpgDeviceRecord StoredLun(std::uint32_t index) {
   return ReadMpgDeviceRecord(Place(gMpgInfoBuffer, index, kMpgRecordPlace, kMaxMpgRecords));
+}
+
+DeviceInfoRecord StoredDevice(std::uint32_t index) {
+  return ReadDeviceInfoRecord(Place(gDevInfoBuffer, index, kDevInfoRecordPlace, kMaxDevInfoRecords));
+}
+
+std::optional<MpgDeviceRecord> FindStoredLun(const WwnCharacters& wwn) {
+  for (std::uint32_t index = 0; index < gArrayLunCount; ++index) {
+    if (ReadMpgDeviceWwn(Place(gMpgInfoBuffer, index, kMpgRecordPlace, kMaxMpgRecords)) == wwn) {
+      return StoredLun(index);
+    }
+  }
+  return std::nullopt;
 }
 
 } // namespace korvex

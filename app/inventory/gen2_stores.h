@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 
 // The stores that a generation-2 collection fills with the drivers' raw records, and the scratch buffers of the
@@ -55,5 +56,10 @@ bool AllocateGen2Buffers();
 TpgControllerRecord StoredController(std::uint32_t index);
 /// Stored LUN record `index` (below gArrayLunCount), decoded; all zero where no store has such a place.
 MpgDeviceRecord StoredLun(std::uint32_t index);
+
+/// Stored device-info record `index` (below gDevInfoCount), decoded; all zero where no store has such a place.
+DeviceInfoRecord StoredDevice(std::uint32_t index);
+/// The stored LUN record with this WWN, decoded.
+std::optional<MpgDeviceRecord> FindStoredLun(const WwnCharacters& wwn);
 
 } // namespace korvex

@@ -23,12 +23,10 @@ void PrintWwnBytes(const WwnBytes& wwn) {
   }
 }
 
-bool IsTextOfWwn(const char* text, const WwnBytes& wwn) {
-  char digits[2 * sizeof wwn + 1] = {};
+WwnText::WwnText(const WwnBytes& wwn) {
   for (std::size_t i = 0; i < wwn.size(); ++i) {
-    BoundedFormat(digits + 2 * i, 3, "%02x", wwn[i]);
+    BoundedFormat(m_digits + 2 * i, 3, "%02x", wwn[i]);
   }
-  return std::strcmp(text, digits) == 0;
 }
 
 } // namespace korvex

@@ -11,7 +11,14 @@ void PrintWwnCharacters(const WwnCharacters& wwn);
 /// A world-wide name's 16 bytes on standard output, as 32 lower-case hexadecimal digits.
 void PrintWwnBytes(const WwnBytes& wwn);
 
-/// Whether `text` is the 32 lower-case hexadecimal digits of the name.
-bool IsTextOfWwn(const char* text, const WwnBytes& wwn);
+/// A world-wide name's 16 bytes as 32 lower-case hexadecimal digits.
+class WwnText {
+public:
+  explicit WwnText(const WwnBytes& wwn);
+  const char* c_str() const { return m_digits; }
+
+private:
+  char m_digits[33];
+};
 
 } // namespace korvex

@@ -44,13 +44,17 @@ std::uint32_t Collect(std::uint32_t requestCode, void* argument, OrbWmiVariant&)
   return 7;
 }
 
+wmiReturn BuildNothing(void*, OrbWmiVariant&) {
+  return kNothingToDo;
+}
+
 TEST(RequestTable, LeadsTheCollectionToTheConnectedRoom) {
   OrbWmiVariant output;
   InputArgumentsRecord record = {};
   const RequestTableEntry* row = FindRequest(0x4DF2);
   ASSERT_NE(row, nullptr);
 
-  static constexpr RequestCallbacks kCallbacks = {Collect, Collect};
+  static constexpr RequestCallbacks kCallbacks = {Collect, Collect, Collect, BuildNothing};
   ConnectRequestTable(kCallbacks);
   EXPECT_EQ(row->callback(0x4DF2, &record, output), 7U);
   EXPECT_EQ(gCollectedCode, 0x4DF2U);

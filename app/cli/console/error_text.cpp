@@ -3,6 +3,7 @@
 #include "app/cli/console/bounded_text.h"
 #include "app/cli/console/errno_keeper.h"
 #include "platform/error.h"
+#include "wmi/trace_text.h"
 
 #include <cerrno>
 #include <cstring>
@@ -29,6 +30,10 @@ const wchar_t* SystemErrorText(DWORD code) {
   }
   BoundedWideFormat(gSystemErrorCodeText, sizeof(gSystemErrorCodeText), "0x%x", static_cast<unsigned>(code));
   return gSystemErrorCodeText;
+}
+
+std::string LastErrorText() {
+  return NarrowText(SystemErrorText(GetLastError()));
 }
 
 } // namespace korvex

@@ -254,7 +254,7 @@ TEST_F(IoctlTest, TouchesNothingForCodesThatCannotBeSent) {
   gTraceEnabled = true;
   EXPECT_EQ(Capture([] { EXPECT_EQ(Ioctl(0x4D04, nullptr), kIoctlFailed); }).err, "Ioctl(0x4d04)\n");
   EXPECT_EQ(Capture([] { EXPECT_EQ(Ioctl(0x4D0C, nullptr), kIoctlFailed); }).err,
-            "Ioctl(0x4d0c)\nioctl return (0xffffffff)\n");
+            "Ioctl(0x4d0c)\nCalling callback function\nioctl return (0xffffffff)\n");
   EXPECT_EQ(calls, 0);
 
   End();
@@ -271,6 +271,10 @@ struct {
   int nested;
 } gCallback;
 
+wmiReturn BuildNothing(void*, OrbWmiVariant&) {
+  return kNothingToDo;
+}
+
 std::uint32_t NestedRequest(std::uint32_t requestCode, void* argument, OrbWmiVariant& output) {
   EXPECT_EQ(requestCode, 0x4DF2U);
   gCallback.argument = argument;
@@ -283,7 +287,7 @@ std::uint32_t NestedRequest(std::uint32_t requestCode, void* argument, OrbWmiVar
 }
 
 TEST_F(IoctlTest, LetsCallbacksSendRequestsAndDecide) {
-  static constexpr RequestCallbacks kCallbacks = {NestedRequest, NestedRequest};
+  static constexpr RequestCallbacks kCallbacks = {NestedRequest, NestedRequest, NestedRequest, BuildNothing};
   ConnectRequestTable(kCallbacks);
   const struct {
     std::uint32_t status;
