@@ -14,21 +14,22 @@ constexpr std::size_t kMaxDsms = 256;
 constexpr std::size_t kMaxName = 4096;
 constexpr std::uint64_t kMax32 = 0xFFFFFFFF;
 
-/// A timing counter: its property, its key in descriptions and what a fresh framework has.
+/// A timing counter: its property, its key in descriptions, what a fresh framework has, and its width.
 struct Counter {
   const wchar_t* property;
   std::string_view key;
   std::uint32_t byDefault;
+  CIMTYPE type = CIM_UINT32;
 };
-constexpr Counter kCounters[] = {{L"PathVerifyEnabled", "pathVerifyEnabled", 0},
-                                 {L"PathVerificationPeriod", "pathVerificationPeriod", 30},
-                                 {L"PDORemovePeriod", "pdoRemovePeriod", 20},
-                                 {L"RetryCount", "retryCount", 3},
-                                 {L"RetryInterval", "retryInterval", 1}};
+constexpr Counter kCounters[] = {
+    {L"PathVerifyEnabled", "pathVerifyEnabled", 0}, {L"PathVerificationPeriod", "pathVerificationPeriod", 30},
+    {L"PDORemovePeriod", "pdoRemovePeriod", 20},    {L"RetryCount", "retryCount", 3},
+    {L"RetryInterval", "retryInterval", 1},         {L"Reserved32", "reserved32", 0},
+    {L"Reserved64", "reserved64", 0, CIM_UINT64}};
 
 struct KnownDsm {
   InstalledDsm dsm;
-  std::uint32_t counters[std::size(kCounters)] = {};
+  std::uint64_t counters[std::size(kCounters)] = {};
 };
 
 KnownDsm ReadKnownDsm(const Node& known, const InstalledDsm& installed) {
@@ -37,7 +38,8 @@ KnownDsm ReadKnownDsm(const Node& known, const InstalledDsm& installed) {
     model.dsm.name = keys["name"].Text(kMaxName, model.dsm.name);
     model.dsm.context = keys["context"].Unsigned<std::uint64_t>(0, UINT64_MAX, model.dsm.context);
     for (std::size_t i = 0; i < std::size(kCounters); ++i) {
-      model.counters[i] = keys[kCounters[i].key].Unsigned<std::uint32_t>(0, kMax32, kCounters[i].byDefault);
+      const std::uint64_t most = kCounters[i].type == CIM_UINT64 ? UINT64_MAX : kMax32;
+      model.counters[i] = keys[kCounters[i].key].Unsigned<std::uint64_t>(0, most, kCounters[i].byDefault);
     }
   });
   return model;
@@ -90,9 +92,13 @@ private:
     CimObject counters(m_host.repository.RequireClass(L"DSM_COUNTERS"));
     for (std::size_t i = 0; i < std::size(kCounters); ++i) {
       const std::string key = CounterKey(known.dsm.context, kCounters[i]);
-      counters.Set(kCounters[i].property, static_cast<std::uint32_t>(m_host.state.Number(key, known.counters[i])));
+      const std::uint64_t value = m_host.state.Number(key, known.counters[i]);
+      if (kCounters[i].type == CIM_UINT64) {
+        counters.Set(kCounters[i].property, value);
+      } else {
+        counters.Set(kCounters[i].property, static_cast<std::uint32_t>(value));
+      }
     }
-    counters.Set(L"Reserved32", 0U).Set(L"Reserved64", std::uint64_t{0});
     CimObject parameters(m_host.repository.RequireClass(L"DSM_PARAMETERS"));
     parameters.Set(L"DsmName", known.dsm.name).Set(L"DsmContext", known.dsm.context);
     parameters.Set(L"DsmVersion", CimValue::Embed(std::move(version)));
@@ -124,7 +130,7 @@ public:
       for (const Counter& counter : kCounters) {
         const CimValue& value = counters->Value(counter.property);
         if (!value.IsNull()) {
-          change.Set(CounterKey(context.Number(), counter), Json(static_cast<std::uint32_t>(value.Number())));
+          change.Set(CounterKey(context.Number(), counter), Json(value.Number()));
         }
       }
     });
@@ -154,10 +160,8 @@ void AddEmbeddedClasses(Repository& repository) {
   CimClass counters;
   counters.name = L"DSM_COUNTERS";
   for (const Counter& counter : kCounters) {
-    counters.properties.push_back(Property(counter.property, CIM_UINT32));
+    counters.properties.push_back(Property(counter.property, counter.type));
   }
-  counters.properties.push_back(Property(L"Reserved32", CIM_UINT32));
-  counters.properties.push_back(Property(L"Reserved64", CIM_UINT64));
   repository.AddClass(std::move(counters));
   CimClass parameters;
   parameters.name = L"DSM_PARAMETERS";

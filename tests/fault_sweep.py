@@ -28,6 +28,7 @@ COMMAND_LINES = [
     ["korvex", "-g", "0", "extended"],
     ["korvex", "-D"],
     ["korvex", "-d", "1", "-e", "2", "-s", "forcerebalance", "-s", "busscan"],
+    ["korvex", "-P", "RetryInterval=5"],
 ]
 STATUSES = {0, 1, 255}
 FAILED, DENIED, WIN32_FAILED = 0x80041001, 0x80041003, 8
