@@ -120,7 +120,7 @@ const OptionRequestRecord* RecordOf(void* argument, wmiReturn& status) {
   std::uint64_t address = 0;
   status = static_cast<OrbWmiVariant*>(argument)->GetProperty(&address, sizeof address, CIM_UINT64);
   const OptionRequestRecord* record = nullptr;
-  static_assert(sizeof record == sizeof address);
+  static_assert(sizeof(void*) == sizeof address);
   std::memcpy(&record, &address, sizeof address);
   if (status == kWmiSuccess && record == nullptr) {
     status = kWmiNotDefined;
