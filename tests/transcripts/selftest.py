@@ -62,8 +62,8 @@ end
 |
 exit 0
 
-$ korvex "out(('%016X \<pointer>\\n' % id(audit)).encode()); open('new.txt', 'wb').write(b'z' * 300); os.remove('laid.txt')" *1
-| <pointer> \<pointer>
+$ korvex "a = id(audit); out(b'%016X \<pointer> GetRdacInfo: \<address>;Buff(0x%x)\\n' % (a, a & 0xFFFFFFFF)); open('new.txt', 'wb').write(b'z' * 300); os.remove('laid.txt')" *1
+| <pointer> \<pointer> GetRdacInfo: \<address>;Buff(0x<address>)
 exit 0
 left new.txt
 > \{300 z}\
@@ -83,6 +83,7 @@ FALSE = [
     ("repeat 4", "repeat 3", "standard output"),
     ("| <pointer> ", "| 000000000000000A ", "standard output"),
     ("id(audit)", "0", "standard output"),
+    ("a & 0xFFFFFFFF", "a & 0xFFFFFFFF | 1 << 32", "standard output"),
     ("> \\{300 z}\\", "> \\{299 z}\\", "new.txt"),
     ("left laid.txt absent\n", "", "laid.txt was changed"),
     ("left laid.txt absent", "left laid.txt directory", "laid.txt is nothing"),
@@ -150,7 +151,7 @@ class Replaying(unittest.TestCase):
 
 class Notation(unittest.TestCase):
     def test_every_byte_survives(self):
-        everything = "".join(map(chr, range(256))).replace("\n", "") + "<pointer>" + "}" * 300 + " "
+        everything = "".join(map(chr, range(256))).replace("\n", "") + "<pointer><address>" + "}" * 300 + " "
         for line in (everything + "\n", everything, "\n", "\\", "\\\n", " \n", " "):
             written = encode_line("|", line)
             self.assertTrue(written.isprintable() and written.isascii(), written)

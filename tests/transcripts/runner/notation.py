@@ -1,26 +1,29 @@
 """How bytes are written in a transcript, so that every one of them can be seen.
 
 Inside the runner a text is a str whose characters are bytes (U+0000 to U+00FF), plus POINTER, which stands for the
-16 digits of some pointer that is not null.
+16 digits of some pointer that is not null, and ADDRESS, which stands for the digits of the lower half of one.
 """
 
 import re
 
-POINTER = "\ue000"
-_POINTER = re.compile("(?!0{16})[0-9A-F]{16}")
-_LIKELY_POINTER = re.compile(r"(?<![0-9A-Fa-f])0000[5-7][0-9A-F]{11}(?![0-9A-Fa-f])")
+POINTER, ADDRESS = "\ue000", "\ue001"
+_VALUES = {POINTER: re.compile("(?!0{16})[0-9A-F]{16}"), ADDRESS: re.compile("0|[1-9a-f][0-9a-f]{0,7}")}
+_LIKELY = {POINTER: re.compile(r"(?<![0-9A-Fa-f])0000[5-7][0-9A-F]{11}(?![0-9A-Fa-f])"),
+           ADDRESS: re.compile(r"(?<=;Buff\(0x)[0-9a-f]{1,8}(?=\)\n)")}
 
 _ESCAPES = {"\\": "\\", "t": "\t", "r": "\r", "n": "\n", "s": " ", "<": "<", '"': '"', "{": "{", "}": "}"}
 _TOKEN = re.compile(r"""
-    (?P<pointer> <pointer> )
+    (?P<value> <pointer> | <address> )
   | \\x (?P<byte> [0-9A-F]{2} )
   | \\\{ (?P<count> [0-9]+ ) [ ] (?P<repeated> (?: [^\\}] | \\. )* ) \}
   | \\ (?! \{ [0-9]+ [ ] ) (?P<escape> [\\trns<"{}] )
   | (?P<plain> [ -\[\]-~] )
 """, re.VERBOSE)
 
-_NAMES = {"\\": "\\\\", "\t": "\\t", "\r": "\\r", "\n": "\\n", POINTER: "<pointer>", "<pointer>": "\\<pointer>"}
-_TO_WRITE = re.compile(r"<pointer>|([^\n])\1{199,}|.", re.DOTALL)
+_TOKENS = {"<pointer>": POINTER, "<address>": ADDRESS}
+_NAMES = {"\\": "\\\\", "\t": "\\t", "\r": "\\r", "\n": "\\n", POINTER: "<pointer>", ADDRESS: "<address>",
+          "<pointer>": "\\<pointer>", "<address>": "\\<address>"}
+_TO_WRITE = re.compile(r"<pointer>|<address>|([^\n])\1{199,}|.", re.DOTALL)
 
 
 class TranscriptError(Exception):
@@ -28,8 +31,8 @@ class TranscriptError(Exception):
 
 
 def to_bytes(text):
-    if POINTER in text:
-        raise TranscriptError("<pointer> has no bytes of its own")
+    if POINTER in text or ADDRESS in text:
+        raise TranscriptError("<pointer> and <address> have no bytes of their own")
     return text.encode("latin-1")
 
 
@@ -42,8 +45,8 @@ def decode(source):
         if not token:
             raise TranscriptError(f"cannot be read from here: {source[position:]!r}")
         position = token.end()
-        if token["pointer"]:
-            text += POINTER
+        if token["value"]:
+            text += _TOKENS[token["value"]]
         elif token["byte"]:
             text += chr(int(token["byte"], 16))
         elif token["count"]:
@@ -91,19 +94,21 @@ def decode_line(source):
 
 
 def matches(expected, actual):
-    """Whether the bytes of `actual` are those of `expected`, each POINTER standing for some pointer."""
-    first, *others = expected.split(POINTER)
+    """Whether the bytes of `actual` are those of `expected`, each POINTER and ADDRESS standing for some value."""
+    first, *others = re.split(f"([{POINTER}{ADDRESS}])", expected)
     if not actual.startswith(first):
         return False
     at = len(first)
-    for other in others:
-        pointer = _POINTER.match(actual, at)
-        if not pointer or not actual.startswith(other, pointer.end()):
+    for token, other in zip(others[::2], others[1::2]):
+        value = _VALUES[token].match(actual, at)
+        if not value or not actual.startswith(other, value.end()):
             return False
-        at = pointer.end() + len(other)
+        at = value.end() + len(other)
     return at == len(actual)
 
 
 def hide_pointers(text):
-    """The text with POINTER for whatever looks like an address of the process."""
-    return _LIKELY_POINTER.sub(POINTER, text)
+    """The text with POINTER and ADDRESS for whatever looks like an address of the process."""
+    for token, likely in _LIKELY.items():
+        text = likely.sub(token, text)
+    return text
