@@ -1,4 +1,5 @@
 #include "simhost/framework_parts.h"
+#include "simhost/text.h"
 
 #include <memory>
 #include <string>
@@ -18,15 +19,33 @@ struct DriveModel {
   std::uint32_t paths = 0;
 };
 
-DriveModel ReadDrive(const Node& drive, std::size_t index) {
+/// What is not described of a drive comes from the disk and the installed DSM that it is about.
+DriveModel ReadDrive(const Node& drive, std::size_t index, const Host& host) {
+  const std::vector<Disk>& disks = host.disks.All();
+  const std::string serial = index < disks.size() ? HexFromBytes(disks[index].identifier) : std::string();
+  const std::wstring dsm = host.installedDsms.empty() ? std::wstring() : host.installedDsms.front().name;
   DriveModel model;
   ReadMembers(drive, [&](Members& keys) {
     model.name = keys["name"].Text(kMaxText, L"MPIO Disk" + std::to_wstring(index));
-    model.serial = keys["serial"].Text(kMaxText, L"");
-    model.dsm = keys["dsm"].Text(kMaxText, L"");
-    model.paths = keys["paths"].Unsigned<std::uint32_t>(0, 0xFFFFFFFF, 0);
+    model.serial = keys["serial"].Text(kMaxText, WideFromUtf8(serial));
+    model.dsm = keys["dsm"].Text(kMaxText, dsm);
+    model.paths = keys["paths"].Unsigned<std::uint32_t>(0, 0xFFFFFFFF, 4);
   });
   return model;
+}
+
+std::vector<DriveModel> ReadDrives(const Node& drives, const Host& host) {
+  std::vector<DriveModel> models;
+  if (drives.IsAbsent()) {
+    while (models.size() < host.disks.All().size()) {
+      models.push_back(ReadDrive(Node(drives.Path()), models.size(), host));
+    }
+    return models;
+  }
+  for (const Node& drive : drives.Elements(kMaxDrives)) {
+    models.push_back(ReadDrive(drive, models.size(), host));
+  }
+  return models;
 }
 
 /// MPIO_DISK_INFO: the multipath disks.
@@ -60,10 +79,7 @@ private:
 } // namespace
 
 void AddFrameworkDrives(const Node& drives, Host& host) {
-  std::vector<DriveModel> models;
-  for (const Node& drive : drives.Elements(kMaxDrives)) {
-    models.push_back(ReadDrive(drive, models.size()));
-  }
+  std::vector<DriveModel> models = ReadDrives(drives, host);
   CimClass driveInfo;
   driveInfo.name = L"MPIO_DRIVE_INFO";
   driveInfo.properties = {Property(L"NumberPaths", CIM_UINT32), Property(L"Name", CIM_STRING),

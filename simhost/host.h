@@ -2,6 +2,7 @@
 
 #include "simhost/clock.h"
 #include "simhost/description.h"
+#include "simhost/disks.h"
 #include "simhost/faults.h"
 #include "simhost/overrides.h"
 #include "simhost/repository.h"
@@ -45,6 +46,7 @@ struct Host {
   ComputerName computer;
   bool deviceTreeRoot = true; ///< the device tree has a root
   std::vector<InstalledDsm> installedDsms;
+  Disks disks;
   Repository repository; ///< last: its providers refer to what stands above
 
   /// Waits out the delay of an outcome and gives its result.

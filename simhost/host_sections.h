@@ -3,7 +3,7 @@
 #include "simhost/description.h"
 #include "simhost/host.h"
 
-// The top-level keys of the description that add classes to the repository.
+// The top-level keys of the description that stand in files of their own.
 
 namespace simhost {
 
@@ -11,6 +11,8 @@ namespace simhost {
 void BuildDrivers(const Node& dsms, Host& host);
 /// "interfaceVersion": the version class of the driver interface, once for the host.
 void BuildInterfaceVersion(const Node& version, Host& host);
+/// "disks": the machine's disks.
+void BuildDisks(const Node& disks, Host& host);
 /// "mpio": the MPIO framework.
 void BuildFramework(const Node& mpio, Host& host);
 

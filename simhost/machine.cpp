@@ -75,6 +75,10 @@ public:
   std::uint64_t Now() override { return m_host->clock->Now(); }
   void Wait(std::uint32_t milliseconds) override { m_host->clock->Wait(milliseconds); }
 
+  std::shared_ptr<platform::PhysicalDrivePort> PhysicalDrive(std::uint32_t number) override {
+    return m_host->disks.Drive(number);
+  }
+
   CONFIGRET LocateDeviceTreeRoot(DEVINST& node) override {
     if (!m_host->deviceTreeRoot) {
       return kNoSuchDevice;

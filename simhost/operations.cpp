@@ -48,11 +48,14 @@ constexpr CodeName kComWords[] = {
 };
 
 constexpr CodeName kWin32Words[] = {
+    {"invalid function", ERROR_INVALID_FUNCTION},
     {"file not found", ERROR_FILE_NOT_FOUND},
     {"path not found", ERROR_PATH_NOT_FOUND},
     {"access denied", ERROR_ACCESS_DENIED},
     {"invalid handle", ERROR_INVALID_HANDLE},
     {"out of memory", ERROR_NOT_ENOUGH_MEMORY},
+    {"not ready", ERROR_NOT_READY},
+    {"device error", ERROR_IO_DEVICE},
     {"invalid parameter", ERROR_INVALID_PARAMETER},
     {"insufficient buffer", ERROR_INSUFFICIENT_BUFFER},
     {"more data", ERROR_MORE_DATA},

@@ -72,6 +72,8 @@ inline constexpr OperationName kOperations[] = {
     {"CM_Locate_DevNode_ExW", CodeFamily::kConfiguration},
     {"CM_Reenumerate_DevNode_Ex", CodeFamily::kConfiguration},
     {"fopen", CodeFamily::kRuntime},
+    {"CreateFileW", CodeFamily::kWin32},
+    {"DeviceIoControl", CodeFamily::kWin32},
 };
 
 /// The position of an operation in that table, or the table's length for an unknown name.

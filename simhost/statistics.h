@@ -22,7 +22,7 @@ inline constexpr std::string_view kInterfaceNames[] = {"IWbemLocator", "IWbemSer
 struct Statistics {
   /// Objects alive now, by InterfaceKind.
   std::array<std::atomic<std::uint64_t>, std::size(kInterfaceNames)> live{};
-  /// Calls of COM methods, by position in kOperations.
+  /// Calls of COM methods and of the drives' functions, by position in kOperations.
   std::array<std::atomic<std::uint64_t>, std::size(kOperations)> calls{};
   /// Values that Put took although the documentation does not promise their VARTYPE for the property's CIM type.
   std::atomic<std::uint64_t> coercions{0};

@@ -131,6 +131,16 @@ std::wstring FoldedName(std::wstring_view name) {
   return folded;
 }
 
+std::string HexFromBytes(std::span<const std::uint8_t> bytes) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string text;
+  for (const std::uint8_t byte : bytes) {
+    text += kDigits[byte >> 4U];
+    text += kDigits[byte & 0x0FU];
+  }
+  return text;
+}
+
 std::optional<std::vector<std::uint8_t>> BytesFromHex(std::string_view text) {
   std::vector<std::uint8_t> bytes;
   bytes.reserve(text.size() / 2);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,6 +24,9 @@ bool EqualNames(std::wstring_view left, std::wstring_view right);
 
 /// The name in lower case (A to Z only), as a key of maps.
 std::wstring FoldedName(std::wstring_view name);
+
+/// Two lower-case hexadecimal digits for each byte.
+std::string HexFromBytes(std::span<const std::uint8_t> bytes);
 
 /// Bytes of hexadecimal digit pairs; blanks between pairs are allowed. None for anything else.
 std::optional<std::vector<std::uint8_t>> BytesFromHex(std::string_view text);

@@ -9,6 +9,7 @@
 #include "app/cli/console/trace.h"
 #include "app/cli/controller_option.h"
 #include "app/cli/usage.h"
+#include "app/mpio/disk_mapping.h"
 #include "app/mpio/mpio_parameters.h"
 #include "app/options/feature_options.h"
 #include "app/settings/policy_removal.h"
@@ -63,6 +64,11 @@ std::int32_t RemoveSettings(const CommandLine&, std::int32_t) {
   return InterfaceGeneration() == 2 ? UtilpRemoveDeviceSpecificSettings() : regRemoveInactiveLBPSettings();
 }
 
+std::int32_t MapDisks(const CommandLine&, std::int32_t) {
+  TracePrint("ShowMpioMappings\n");
+  return ShowMpioMappings();
+}
+
 std::int32_t SelectDsm(const CommandLine& commandLine, std::int32_t) {
   return HandleDsmOption(commandLine.wordCount, commandLine.words);
 }
@@ -92,7 +98,7 @@ constexpr OptionRow kOptions[] = {
     {'t', PickedWord::kNone, OpenTrace},
     {'w', PickedWord::kAny, ReportController},
     {'D', PickedWord::kPlain, SelectDsm},
-    {'M', PickedWord::kNone, KeepStatus},
+    {'M', PickedWord::kNone, MapDisks},
     {'R', PickedWord::kNone, RemoveSettings},
     {'P', PickedWord::kNone, ActOnMpioParameters},
 };

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -53,6 +54,23 @@ public:
   virtual DWORD Delete() = 0;
 };
 
+/// What a drive makes of one SCSI command.
+struct ScsiAnswer {
+  std::vector<std::uint8_t> data;
+  std::uint8_t status = 0; ///< 0 good
+  std::vector<std::uint8_t> sense;
+};
+
+/// A physical drive of the machine.
+class PhysicalDrivePort {
+public:
+  virtual ~PhysicalDrivePort() = default;
+  /// Carries out a command that asks for data, at most `room` bytes of it; a system error code, or 0.
+  virtual DWORD Execute(std::span<const std::uint8_t> command, std::size_t room, ScsiAnswer& answer) = 0;
+  /// The drive's SCSI address, of which `length` bytes are told; a system error code, or 0.
+  virtual DWORD Address(SCSI_ADDRESS& address, std::size_t& length) = 0;
+};
+
 /// The machine behind the platform's calls. Its operations are called from any thread, do not throw, and leave the last
 /// error to the platform; the platform saves and restores errno around them, and asks for no faults while one runs.
 class Machine {
@@ -75,7 +93,8 @@ public:
   /// and its like), GetTimeFormatW and GetDateFormatW (the picture), FileTimeToSystemTime, CM_Locate_DevNode_ExW,
   /// CM_Reenumerate_DevNode_Ex, fopen (the path), RegOpenKeyExW, RegCreateKeyExW, RegDeleteKeyW, RegQueryInfoKeyW,
   /// RegEnumKeyExW and RegCloseKey (the key's path below HKEY_LOCAL_MACHINE), RegQueryValueExW and RegSetValueExW (the
-  /// same and the value's name behind a backslash). A code of 0 makes a registry call succeed without doing anything.
+  /// same and the value's name behind a backslash), CreateFileW
+  /// and DeviceIoControl (the drive's path). A code of 0 makes a registry call succeed without doing anything.
   virtual std::optional<std::uint32_t> TakeFault(std::string_view operation, std::string_view target) = 0;
 
   /// Makes the COM object of a class: REGDB_E_CLASSNOTREG for a class that the machine does not have.
@@ -91,6 +110,9 @@ public:
   /// The device tree: its root, and a new enumeration of one node.
   virtual CONFIGRET LocateDeviceTreeRoot(DEVINST& node) = 0;
   virtual CONFIGRET ReenumerateDeviceNode(DEVINST node) = 0;
+
+  /// The physical drive of that number; none when the machine does not have it.
+  virtual std::shared_ptr<PhysicalDrivePort> PhysicalDrive(std::uint32_t /*number*/) { return nullptr; }
 
   /// The registry's HKEY_LOCAL_MACHINE; none for a machine without a registry.
   virtual std::shared_ptr<RegistryKey> LocalMachineKey() { return nullptr; }
