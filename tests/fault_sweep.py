@@ -29,12 +29,13 @@ COMMAND_LINES = [
     ["korvex", "-D"],
     ["korvex", "-d", "1", "-e", "2", "-s", "forcerebalance", "-s", "busscan"],
     ["korvex", "-P", "RetryInterval=5"],
+    ["korvex", "-M"],
 ]
 STATUSES = {0, 1, 255}
 FAILED, DENIED, WIN32_FAILED = 0x80041001, 0x80041003, 8
 # Codes of these are no HRESULTs, and they hand out nothing that a success could leave out.
 PLAIN = {"GetComputerNameExW", "GetTimeFormatW", "GetDateFormatW", "FileTimeToSystemTime", "CM_Locate_DevNode_ExW",
-         "CM_Reenumerate_DevNode_Ex", "fopen"}
+         "CM_Reenumerate_DevNode_Ex", "fopen", "CreateFileW", "DeviceIoControl"}
 HANDING_OUT = {"ConnectServer", "GetObject", "CreateInstanceEnum", "ExecQuery", "ExecMethod", "Next", "Clone", "Get",
                "SpawnInstance", "GetMethod", "NextMethod"}
 
