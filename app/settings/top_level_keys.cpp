@@ -15,11 +15,16 @@ namespace korvex {
 
 namespace {
 
+enum class Comparison { kKept, kOther, kTooShort };
+
 /// A path key is kept by a present path that agrees with it in all but the last two digits, if it has more than those.
-bool IsKeptBy(const PathKeyText& present, const wchar_t* keyName) {
+Comparison Compare(const PathKeyText& present, const wchar_t* keyName) {
   const std::string text = NarrowText(TextOfKey(keyName));
   const std::size_t compared = std::strlen(present.c_str()) - 2;
-  return text.size() > compared && std::strncmp(text.c_str(), present.c_str(), compared) == 0;
+  if (text.size() <= compared) {
+    return Comparison::kTooShort;
+  }
+  return std::strncmp(text.c_str(), present.c_str(), compared) == 0 ? Comparison::kKept : Comparison::kOther;
 }
 
 } // namespace
@@ -33,9 +38,10 @@ void MarkPathKeys(const PathKeyText& present) {
     if (entry.type != kPathKey) {
       continue;
     }
-    if (IsKeptBy(present, entry.name)) {
+    const Comparison comparison = Compare(present, entry.name);
+    if (comparison == Comparison::kKept) {
       entry.isActive = 1;
-    } else {
+    } else if (comparison == Comparison::kTooShort) {
       TracePrint("PathKeyName and Global Path Name compare failed with error %s\n", LastErrorText().c_str());
     }
   }
@@ -47,7 +53,7 @@ void MarkPathKeysOfArray() {
     for (const TpgPathEntry& path : controller.PathsInUse()) {
       const PathKeyText present(path.pathId);
       for (DsmKeyEntry& entry : gDsmParameterKeys.Entries()) {
-        if (entry.type == kPathKey && IsKeptBy(present, entry.name)) {
+        if (entry.type == kPathKey && Compare(present, entry.name) == Comparison::kKept) {
           entry.isActive = 1;
         }
       }

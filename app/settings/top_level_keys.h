@@ -16,7 +16,7 @@ private:
   char m_digits[9];
 };
 
-/// Marks the path keys that the text of a present path keeps; each other one is traced.
+/// Marks the path keys that the text of a present path keeps; those too short to be compared are traced.
 void MarkPathKeys(const PathKeyText& present);
 
 /// Marks the path keys that any controller path of the array read last keeps.
