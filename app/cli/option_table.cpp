@@ -12,6 +12,9 @@
 #include "app/mpio/disk_mapping.h"
 #include "app/mpio/mpio_parameters.h"
 #include "app/options/feature_options.h"
+#include "app/records/record_deletion.h"
+#include "app/records/status_scan.h"
+#include "app/report/host_header.h"
 #include "app/settings/policy_removal.h"
 #include "app/settings/settings_removal.h"
 #include "wmi/wmi_layer_trace.h"
@@ -69,6 +72,24 @@ std::int32_t MapDisks(const CommandLine&, std::int32_t) {
   return ShowMpioMappings();
 }
 
+void PrintHeaderOfGeneration() {
+  if (InterfaceGeneration() == 2) {
+    PrintHostHeaderV2();
+  } else {
+    PrintHostHeader();
+  }
+}
+
+std::int32_t DeleteRecords(const CommandLine&, std::int32_t) {
+  PrintHeaderOfGeneration();
+  return gOptionArgument == nullptr ? utilDeleteWWNList() : utilDeleteMissingWWNFiles();
+}
+
+std::int32_t ScanStatus(const CommandLine&, std::int32_t) {
+  PrintHeaderOfGeneration();
+  return utilArrayStatusScan();
+}
+
 std::int32_t SelectDsm(const CommandLine& commandLine, std::int32_t) {
   return HandleDsmOption(commandLine.wordCount, commandLine.words);
 }
@@ -80,21 +101,16 @@ std::int32_t OpenTrace(const CommandLine&, std::int32_t status) {
   return status;
 }
 
-/// An option that is known but has no effect.
-std::int32_t KeepStatus(const CommandLine&, std::int32_t status) {
-  return status;
-}
-
 /// Letters without a row get the usage text.
 constexpr OptionRow kOptions[] = {
     {'a', PickedWord::kPlain, ReportArrays},
-    {'c', PickedWord::kPlain, KeepStatus},
+    {'c', PickedWord::kPlain, DeleteRecords},
     {'d', PickedWord::kNone, SetDebugLevel},
     {'e', PickedWord::kNone, SetErrorLevel},
     {'g', PickedWord::kPlain, ReportArrayById},
     {'o', PickedWord::kConsumed, ActOnFeatureOptions},
     {'s', PickedWord::kNone, Scan},
-    {'S', PickedWord::kNone, KeepStatus},
+    {'S', PickedWord::kNone, ScanStatus},
     {'t', PickedWord::kNone, OpenTrace},
     {'w', PickedWord::kAny, ReportController},
     {'D', PickedWord::kPlain, SelectDsm},

@@ -6,7 +6,7 @@
 #include "app/options/feature_option_list.h"
 #include "app/options/option_exchange.h"
 #include "app/options/option_request_input.h"
-#include "app/channel/ioctl.h"
+#include "app/records/timed_ioctl.h"
 #include "app/report/array_report.h"
 #include "app/report/summary_listing.h"
 #include "app/settings/policy_saving.h"
@@ -31,7 +31,7 @@ constexpr CollectionOutputs kCollectionOutputs = {
     .printArraySummaryRow = PrintArraySummaryRow,
     .printListingClosingRule = PrintListingClosingRule,
     .printArrayInformation = PrintArrayInformation,
-    .timedIoctl = Ioctl,
+    .timedIoctl = utilTimedIoctl,
 };
 
 } // namespace

@@ -1,0 +1,41 @@
+#include "app/records/array_reading.h"
+
+#include "app/channel/channel.h"
+#include "app/cli/console/run_state.h"
+#include "app/inventory/gen1_inventory.h"
+#include "app/inventory/gen2_inventory.h"
+
+#include <algorithm>
+
+namespace korvex {
+
+namespace {
+
+/// Array ids of interface generation 2 have 8 bits.
+constexpr std::uint64_t kArrayIds = 256;
+
+} // namespace
+
+void SelectArrayQuietly(std::uint32_t index) {
+  gSelectionMode = kByArrayId;
+  gSelectedArrayId = static_cast<std::uint8_t>(index);
+  gNumberOfArrays = 1;
+  gDetailMode = true;
+  gReportSelectionErrors = false;
+}
+
+bool ReadArrayByIndex(std::uint32_t index) {
+  if (InterfaceGeneration() != 2) {
+    return utilGetTargetName(index) == 1;
+  }
+  SelectArrayQuietly(index);
+  gStatusScanActive = false;
+  return GetDsmArrayInfo() == 1;
+}
+
+std::uint64_t IndexesFor(std::uint32_t count) {
+  const std::uint64_t indexes = 4 * std::uint64_t{count};
+  return InterfaceGeneration() == 2 ? std::min(indexes, kArrayIds) : indexes;
+}
+
+} // namespace korvex

@@ -1,0 +1,130 @@
+#include "app/records/record_directory.h"
+
+#include "app/channel/channel.h"
+#include "app/cli/console/bounded_text.h"
+#include "app/cli/console/error_text.h"
+#include "app/cli/console/print.h"
+#include "app/inventory/limits.h"
+#include "app/inventory/wwn_text.h"
+#include "app/records/file_helpers.h"
+#include "platform/error.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace korvex {
+
+char gWwnDirPath[VRX_MAX_PATH] = "";
+char gWwnFileName[VRX_MAX_PATH] = "";
+
+namespace {
+
+constexpr char kFileSuffix[] = ".wwn";
+
+/// The executable's path; false after a message.
+bool ReadExecutablePath(char (&path)[VRX_MAX_PATH]) {
+  const DWORD length = GetModuleFileNameA(nullptr, path, static_cast<DWORD>(sizeof path));
+  if (length >= VRX_MAX_PATH) {
+    PrintError("Error setting WWN directory path. dirPathLength >=  VRX_MAX_PATH\n");
+    return false;
+  }
+  if (length == 0) {
+    PrintError("Error setting WWN directory path.  error - %s\n", LastErrorText().c_str());
+    return false;
+  }
+  return true;
+}
+
+/// Leaves what stands before the last backslash, which is not the first character.
+void CutAtLastBackslash(char (&path)[VRX_MAX_PATH]) {
+  char* last = std::strrchr(path, '\\');
+  *(last == nullptr || last == path ? path : last) = '\0';
+}
+
+/// Whether the directory is there or could be made; false after a message.
+bool EnsureDirectory(const char* path) {
+  const RecordFile directory(CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                                         FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+  if (directory.IsOpen()) {
+    return true;
+  }
+  if (CreateDirectoryA(path, nullptr) == FALSE) {
+    PrintError("WWN directory could not be created.  error - %s\n", LastErrorText().c_str());
+    return false;
+  }
+  return true;
+}
+
+/// Upper-case hexadecimal letters become lower case; every other character stays.
+char LowerHex(char character) {
+  return character >= 'A' && character <= 'F' ? static_cast<char>(character - 'A' + 'a') : character;
+}
+
+} // namespace
+
+const char* vrxUtilSys_SetWwnDirPath() {
+  if (gWwnDirPath[0] != '\0') {
+    return gWwnDirPath;
+  }
+  char path[VRX_MAX_PATH];
+  if (!ReadExecutablePath(path)) {
+    return nullptr;
+  }
+  CutAtLastBackslash(path);
+  BoundedCopy(gWwnDirPath, sizeof gWwnDirPath, path);
+  BoundedAppend(gWwnDirPath, sizeof gWwnDirPath, "\\");
+  BoundedAppend(gWwnDirPath, sizeof gWwnDirPath, "WWN_FILES");
+  if (!EnsureDirectory(gWwnDirPath)) {
+    return nullptr;
+  }
+  BoundedAppend(gWwnDirPath, sizeof gWwnDirPath, "\\");
+  return gWwnDirPath;
+}
+
+void FormWwnFileName() {
+  if (InterfaceGeneration() == 2) {
+    char wwn[33] = {};
+    std::transform(gModuleWWN, gModuleWWN + 32, wwn,
+                   [](std::uint8_t byte) { return LowerHex(static_cast<char>(byte)); });
+    BoundedCopy(gWwnFileName, sizeof gWwnFileName, wwn);
+  } else {
+    WwnBytes wwn;
+    std::copy_n(gModuleWWN, wwn.size(), wwn.begin());
+    BoundedCopy(gWwnFileName, sizeof gWwnFileName, WwnText(wwn).c_str());
+  }
+  BoundedAppend(gWwnFileName, sizeof gWwnFileName, kFileSuffix);
+}
+
+void FormFullPath(const char* fileName, char (&path)[VRX_MAX_PATH]) {
+  BoundedCopy(path, sizeof path, gWwnDirPath);
+  BoundedAppend(path, sizeof path, fileName);
+}
+
+bool vrxUtilSys_DoesWwnDirPathFileExist() {
+  char path[VRX_MAX_PATH];
+  if (BoundedCopy(path, sizeof path, gWwnDirPath) != S_OK) {
+    PrintError("vrxUtilSys_DoesWwnDirPathFileExist: Error creating WWN directory path. error - %s\n",
+               LastErrorText().c_str());
+    return false;
+  }
+  if (BoundedAppend(path, sizeof path, gWwnFileName) != S_OK) {
+    PrintError("vrxUtilSys_DoesWwnDirPathFileExist: Error creating full file path. error - %s\n",
+               LastErrorText().c_str());
+    return false;
+  }
+  HANDLE file = CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file != INVALID_HANDLE_VALUE) {
+    if (CloseHandle(file) == FALSE) {
+      PrintError("vrxUtilSys_DoesWwnDirPathFileExist: Error closing file. error - %s\n", LastErrorText().c_str());
+    }
+    return true;
+  }
+  if (GetLastError() != ERROR_FILE_NOT_FOUND) {
+    PrintError("vrxUtilSys_DoesWwnDirPathFileExist: Error opening file %s. error - %s\n", gWwnFileName,
+               LastErrorText().c_str());
+  }
+  return false;
+}
+
+} // namespace korvex
