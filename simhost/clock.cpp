@@ -1,10 +1,13 @@
 #include "simhost/clock.h"
 
-#include <atomic>
+#include <algorithm>
 #include <charconv>
 #include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <optional>
 #include <thread>
+#include <vector>
 
 namespace simhost {
 
@@ -29,24 +32,72 @@ public:
   }
 };
 
-class FixedClock : public Clock {
-public:
-  explicit FixedClock(std::uint64_t now) : m_now(now) {}
-  std::uint64_t Now() override { return m_now; }
-  void Wait(std::uint32_t /*milliseconds*/) override {}
-
-private:
-  std::uint64_t m_now;
-};
+/// The number of the calling thread; 0 for the one that was not enlisted.
+thread_local std::uint64_t tThread = 0;
 
 class VirtualClock : public Clock {
 public:
   explicit VirtualClock(std::uint64_t now) : m_now(now) {}
-  std::uint64_t Now() override { return m_now.load(); }
-  void Wait(std::uint32_t milliseconds) override { m_now.fetch_add(milliseconds * kTicksPerMillisecond); }
+
+  std::uint64_t Now() override {
+    const std::scoped_lock lock(m_lock);
+    return m_now;
+  }
+  void Wait(std::uint32_t milliseconds) override {
+    std::unique_lock lock(m_lock);
+    m_sleepers.push_back({m_now + milliseconds * kTicksPerMillisecond, tThread});
+    WakeNext();
+    m_turnChanged.wait(lock, [this] { return m_turn == tThread; });
+  }
+  std::uint64_t EnlistThread() override {
+    const std::scoped_lock lock(m_lock);
+    const std::uint64_t thread = ++m_enlisted;
+    m_sleepers.push_back({m_now, thread});
+    return thread;
+  }
+  void BeginThread(std::uint64_t thread) override {
+    tThread = thread;
+    std::unique_lock lock(m_lock);
+    m_turnChanged.wait(lock, [this] { return m_turn == tThread; });
+  }
+  void EndThread(std::uint64_t thread) override {
+    const std::scoped_lock lock(m_lock);
+    std::erase_if(m_sleepers, [thread](const Sleeper& sleeper) { return sleeper.thread == thread; });
+    if (m_turn == thread && !m_sleepers.empty()) {
+      WakeNext();
+    }
+  }
 
 private:
-  std::atomic<std::uint64_t> m_now;
+  struct Sleeper {
+    std::uint64_t wakes;
+    std::uint64_t thread;
+  };
+
+  /// Gives the turn to the first that wakes; sleepers stand in the order of falling asleep.
+  void WakeNext() {
+    const auto next = std::ranges::min_element(m_sleepers, {}, &Sleeper::wakes);
+    m_now = std::max(m_now, next->wakes);
+    m_turn = next->thread;
+    m_sleepers.erase(next);
+    m_turnChanged.notify_all();
+  }
+
+  std::mutex m_lock;
+  std::condition_variable m_turnChanged;
+  std::uint64_t m_now;
+  std::uint64_t m_turn = 0; ///< the thread that may run
+  std::uint64_t m_enlisted = 0;
+  std::vector<Sleeper> m_sleepers;
+};
+
+class FixedClock : public VirtualClock {
+public:
+  explicit FixedClock(std::uint64_t now) : VirtualClock(now), m_told(now) {}
+  std::uint64_t Now() override { return m_told; }
+
+private:
+  std::uint64_t m_told;
 };
 
 /// Takes a number of exactly `digits` digits and, unless it is zero, the mark behind it off the front of the text.

@@ -74,6 +74,9 @@ public:
 
   std::uint64_t Now() override { return m_host->clock->Now(); }
   void Wait(std::uint32_t milliseconds) override { m_host->clock->Wait(milliseconds); }
+  std::uint64_t EnlistThread() override { return m_host->clock->EnlistThread(); }
+  void BeginThread(std::uint64_t thread) override { m_host->clock->BeginThread(thread); }
+  void EndThread(std::uint64_t thread) override { m_host->clock->EndThread(thread); }
 
   std::shared_ptr<platform::PhysicalDrivePort> PhysicalDrive(std::uint32_t number) override {
     return m_host->disks.Drive(number);

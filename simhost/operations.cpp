@@ -59,6 +59,8 @@ constexpr CodeName kWin32Words[] = {
     {"invalid parameter", ERROR_INVALID_PARAMETER},
     {"insufficient buffer", ERROR_INSUFFICIENT_BUFFER},
     {"more data", ERROR_MORE_DATA},
+    {"no more files", ERROR_NO_MORE_FILES},
+    {"disk full", ERROR_DISK_FULL},
 };
 
 constexpr CodeName kConfigurationWords[] = {

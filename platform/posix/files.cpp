@@ -2,8 +2,8 @@
 
 #include "platform/posix/errno_guard.h"
 #include "platform/posix/faults.h"
+#include "platform/posix/paths.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <string>
 #include <string_view>
@@ -16,11 +16,6 @@ namespace {
 std::FILE* Fail(int code) {
   errno = code;
   return nullptr;
-}
-
-std::string HostPath(std::string path) {
-  std::replace(path.begin(), path.end(), '\\', '/');
-  return path;
 }
 
 bool IsDirectory(const std::string& path) {

@@ -1,12 +1,19 @@
 #include "platform/handles.h"
 
 #include "platform/error.h"
+#include "platform/posix/errno_guard.h"
 #include "platform/posix/handles.h"
 
 BOOL CloseHandle(HANDLE handle) {
-  if (platform::CloseDriveHandle(reinterpret_cast<std::uintptr_t>(handle))) {
+  const platform::ErrnoGuard guard;
+  const auto number = reinterpret_cast<std::uintptr_t>(handle);
+  if (platform::CloseDriveHandle(number) || platform::CloseThreadHandle(number)) {
     return TRUE;
   }
-  SetLastError(ERROR_INVALID_HANDLE);
-  return FALSE;
+  const DWORD code = platform::CloseFileHandle(number).value_or(ERROR_INVALID_HANDLE);
+  if (code != ERROR_SUCCESS) {
+    SetLastError(code);
+    return FALSE;
+  }
+  return TRUE;
 }

@@ -107,6 +107,12 @@ public:
   virtual std::uint64_t Now() = 0;
   virtual void Wait(std::uint32_t milliseconds) = 0;
 
+  /// A thread that the clock is to know: enlisted before it is started, by the thread that starts it, with a number of
+  /// its own; then it begins and ends, both told by itself (the end by the starter when it could not be started).
+  virtual std::uint64_t EnlistThread() { return 0; }
+  virtual void BeginThread(std::uint64_t /*thread*/) {}
+  virtual void EndThread(std::uint64_t /*thread*/) {}
+
   /// The device tree: its root, and a new enumeration of one node.
   virtual CONFIGRET LocateDeviceTreeRoot(DEVINST& node) = 0;
   virtual CONFIGRET ReenumerateDeviceNode(DEVINST node) = 0;
