@@ -15,6 +15,7 @@ namespace korvex {
 std::uint32_t gUtilMaxLuns = kUnknownLimit;
 std::uint32_t gUtilMaxPaths = kUnknownLimit;
 std::uint32_t MaxArrayModules = kUnknownLimit;
+bool gArrayCountFailed = false;
 char* gModuleName = nullptr;
 std::uint8_t* gModuleWWN = nullptr;
 
@@ -32,6 +33,7 @@ int GetMaxArrayModules() {
   if (Ioctl(code, &MaxArrayModules) == kIoctlFailed) {
     PrintError("Unable to get max Array modules request - %s!\n", RuntimeErrorText());
     MaxArrayModules = 0;
+    gArrayCountFailed = true;
     return 0;
   }
   return 1;

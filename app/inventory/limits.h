@@ -13,6 +13,8 @@ extern std::uint32_t gUtilMaxLuns;
 extern std::uint32_t gUtilMaxPaths;
 /// The DSM's array modules (generation 1) or current arrays (generation 2); 0 after a failed request.
 extern std::uint32_t MaxArrayModules;
+/// Whether MaxArrayModules is 0 because the request for it failed.
+extern bool gArrayCountFailed;
 
 /// Slots of 80 bytes; slot 0 holds the name of the array read last. At least one slot.
 extern char* gModuleName;

@@ -108,7 +108,7 @@ int utilDeleteWWNFile(const char* fullPath) {
 }
 
 bool utilMarkPresentArrays(WwnFileList& records) {
-  if (GetMaxArrayModules() != 1) {
+  if (GetMaxArrayModules() != 1 || (MaxArrayModules == 0 && gArrayCountFailed)) {
     return false;
   }
   const std::uint32_t arrays = MaxArrayModules;

@@ -75,6 +75,8 @@ const char* vrxUtilSys_SetWwnDirPath() {
   BoundedAppend(gWwnDirPath, sizeof gWwnDirPath, "\\");
   BoundedAppend(gWwnDirPath, sizeof gWwnDirPath, "WWN_FILES");
   if (!EnsureDirectory(gWwnDirPath)) {
+    // Half a path would put files beside the directory: the next call tries again.
+    gWwnDirPath[0] = '\0';
     return nullptr;
   }
   BoundedAppend(gWwnDirPath, sizeof gWwnDirPath, "\\");

@@ -267,7 +267,8 @@ DWORD GetModuleFileNameA(void* /*module*/, LPSTR path, DWORD size) {
   const platform::ErrnoGuard guard;
   if (const auto fault = platform::FaultOf("GetModuleFileNameA")) {
     SetLastError(*fault);
-    return 0;
+    // A path that does not fit fills its room.
+    return *fault == ERROR_INSUFFICIENT_BUFFER ? size : 0;
   }
   char name[4096];
   const ssize_t length = readlink("/proc/self/exe", name, sizeof name);

@@ -11,6 +11,7 @@ from .transcript import ABSENT, DIRECTORY, split_words
 HOST = "host.json"
 AUDIT = "host.audit"
 STATE = "host.state.jsonl"
+SHOWN = "C:\\korvex"  # what stands for the directory where the program names it
 
 
 class Scene:
@@ -38,6 +39,8 @@ class Scene:
         """Runs a command; gives its outcome and the host's accounts of it."""
         (self.directory / AUDIT).write_bytes(b"")
         outcome = self._launcher.run(self.directory, words, typed, together)
+        own = str(self.directory.resolve()).replace("/", "\\")
+        outcome = outcome._replace(output=outcome.output.replace(own, SHOWN), errors=outcome.errors.replace(own, SHOWN))
         return outcome, [json.loads(line) for line in (self.directory / AUDIT).read_text().splitlines()]
 
     def read(self, name):
