@@ -228,6 +228,22 @@ std::vector<Node> Node::Elements(std::size_t most) const {
   return elements;
 }
 
+std::vector<std::pair<std::string_view, Node>> Node::Entries(std::size_t most) const {
+  std::vector<std::pair<std::string_view, Node>> entries;
+  if (IsAbsent()) {
+    return entries;
+  }
+  const Json::Object* object = m_value->IfObject();
+  if (object == nullptr || object->size() > most) {
+    Refuse("an object of at most " + std::to_string(most) + " members");
+  }
+  entries.reserve(object->size());
+  for (const auto& [name, value] : *object) {
+    entries.emplace_back(name, Node(value, m_path + "/" + PathKey(name)));
+  }
+  return entries;
+}
+
 Members::Members(const Node& object) : m_whole(object) {
   if (!object.IsAbsent() && object.Value()->IfObject() == nullptr) {
     object.Refuse("an object");

@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 // Reading the host's description: typed access to JSON that refuses what is wrong with the path of the key.
@@ -103,6 +104,9 @@ public:
 
   /// The elements of an array, at most `most`; none for an absent key.
   std::vector<Node> Elements(std::size_t most) const;
+
+  /// The members of an object whose keys are free names, at most `most`, in their order; none for an absent key.
+  std::vector<std::pair<std::string_view, Node>> Entries(std::size_t most) const;
 
   /// Throws: "path: found <this value>, expected <expected>".
   [[noreturn]] void Refuse(std::string_view expected) const;

@@ -54,6 +54,7 @@ DriverModel ReadDriver(const Node& driver, std::size_t index) {
   DriverModel model;
   ReadMembers(driver, [&](Members& keys) {
     const std::wstring service = keys["service"].Text(255, L"zelmpxdsm");
+    model.serviceKey = service;
     model.service = UpperCase(service);
     model.name = keys["name"].Text(4096, service);
     model.generation = keys["generation"].Unsigned<int>(1, 2, 2);

@@ -22,6 +22,7 @@ struct DriverVersion {
 };
 
 struct DriverModel {
+  std::wstring serviceKey;   ///< the service's name as described: that of its registry key
   std::wstring service;      ///< upper case; also the prefix of its state keys
   std::wstring name;         ///< what its instance calls itself
   std::wstring methodsClass; ///< empty when the class is missing

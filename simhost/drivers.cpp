@@ -11,12 +11,22 @@ namespace {
 
 constexpr std::size_t kMaxDrivers = 256;
 
+/// The key that a DSM's installation leaves.
+void AddServiceKey(RegistryNode& root, const std::wstring& service) {
+  const std::wstring path = L"SYSTEM\\CurrentControlSet\\Services\\" + service + L"\\Parameters";
+  RegistryNode* node = &root;
+  for (const std::wstring_view name : PathComponents(path)) {
+    node = node->FindOrMake(name).get();
+  }
+}
+
 } // namespace
 
 void BuildDrivers(const Node& dsms, Host& host) {
   std::size_t index = 0;
   for (const Node& node : dsms.Elements(kMaxDrivers)) {
     DriverModel driver = ReadDriver(node, index++);
+    AddServiceKey(host.registry.Described(), driver.serviceKey);
     AddDriverDataClasses(host.repository, driver.generation);
     host.installedDsms.push_back(
         {driver.name,

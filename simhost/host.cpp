@@ -54,6 +54,7 @@ std::unique_ptr<Host> ReadHost(std::string_view description, const std::string& 
     }
     host->overrides = OverrideRules(members["overrides"], host->repository);
   });
+  host->registry.Start();
   host->repository.SetRefresh([&state = host->state] { state.Refresh(); });
   if (!host->overrides.IsEmpty()) {
     host->repository.SetOverride(
@@ -66,6 +67,7 @@ std::unique_ptr<Host> MakeBareHost(std::wstring computerName) {
   auto host = std::make_unique<Host>(std::string());
   host->computer = {std::move(computerName), std::wstring()};
   host->clock = MakeRealClock();
+  host->registry.Start();
   return host;
 }
 

@@ -5,6 +5,7 @@
 #include "simhost/disks.h"
 #include "simhost/faults.h"
 #include "simhost/overrides.h"
+#include "simhost/registry.h"
 #include "simhost/repository.h"
 #include "simhost/state_log.h"
 
@@ -47,6 +48,7 @@ struct Host {
   bool deviceTreeRoot = true; ///< the device tree has a root
   std::vector<InstalledDsm> installedDsms;
   Disks disks;
+  Registry registry{state};
   Repository repository; ///< last: its providers refer to what stands above
 
   /// Waits out the delay of an outcome and gives its result.

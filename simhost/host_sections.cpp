@@ -9,6 +9,7 @@ std::span<const HostSection> HostSections() {
       {"interfaceVersion", &BuildInterfaceVersion},
       {"disks", &BuildDisks},
       {"mpio", &BuildFramework},
+      {"registry", &BuildRegistry},
   };
   return kSections;
 }

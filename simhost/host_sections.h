@@ -16,4 +16,7 @@ void BuildDisks(const Node& disks, Host& host);
 /// "mpio": the MPIO framework.
 void BuildFramework(const Node& mpio, Host& host);
 
+/// "registry": keys and values beside the service keys of the DSMs.
+void BuildRegistry(const Node& registry, Host& host);
+
 } // namespace simhost

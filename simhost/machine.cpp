@@ -2,6 +2,7 @@
 
 #include "platform/error.h"
 #include "simhost/services.h"
+#include "simhost/statistics.h"
 #include "simhost/text.h"
 
 #include <algorithm>
@@ -42,7 +43,7 @@ public:
       if (fault.delay != 0) {
         m_host->clock->Wait(fault.delay);
       }
-      return fault.code;
+      return fault.nothing ? std::optional<std::uint32_t>(ERROR_SUCCESS) : fault.code;
     } catch (const std::exception&) {
       return std::nullopt;
     }
@@ -104,6 +105,14 @@ public:
       return CR_FAILURE;
     }
     return CR_SUCCESS;
+  }
+
+  std::shared_ptr<platform::RegistryKey> LocalMachineKey() override {
+    return Registry::OpenRoot({m_host, &m_host->registry});
+  }
+
+  void CountCall(std::string_view operation) noexcept override {
+    TheStatistics().calls[OperationIndex(operation)].fetch_add(1, std::memory_order_relaxed);
   }
 
 private:
@@ -171,6 +180,33 @@ void PrepareAudit(const std::filesystem::path& directory) {
   }
 }
 
+/// The listing's file and the host whose registry it lists; never destroyed, as they are used at the very end.
+struct RegistryListing {
+  std::string path;
+  std::shared_ptr<Host> host;
+};
+RegistryListing& TheRegistryListing() {
+  static RegistryListing& listing = *new RegistryListing;
+  return listing;
+}
+
+void WriteRegistryListing() {
+  try {
+    std::ofstream file(TheRegistryListing().path, std::ios::trunc | std::ios::binary);
+    file << TheRegistryListing().host->registry.Listing();
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "host.registry: %s\n", error.what());
+  }
+}
+
+void PrepareRegistryListing(const std::filesystem::path& directory, const std::shared_ptr<Host>& host) {
+  const std::filesystem::path path = directory / "host.registry";
+  if (std::filesystem::exists(path) && TheRegistryListing().path.empty()) {
+    TheRegistryListing() = {path.string(), host};
+    std::atexit(WriteRegistryListing);
+  }
+}
+
 } // namespace
 
 std::unique_ptr<platform::Machine> MakeSimulatedMachine(std::shared_ptr<Host> host) {
@@ -182,9 +218,10 @@ std::unique_ptr<platform::Machine> MakeSimulatedMachine(std::shared_ptr<Host> ho
 std::unique_ptr<platform::Machine> platform::MakeMachine() {
   try {
     const std::filesystem::path directory = ExecutableDirectory();
-    std::unique_ptr<Machine> machine = simhost::MakeSimulatedMachine(simhost::HostOfDirectory(directory));
+    const std::shared_ptr<simhost::Host> host = simhost::HostOfDirectory(directory);
     simhost::PrepareAudit(directory);
-    return machine;
+    simhost::PrepareRegistryListing(directory, host);
+    return simhost::MakeSimulatedMachine(host);
   } catch (const std::exception& error) {
     simhost::Refuse(error.what());
   }

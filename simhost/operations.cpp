@@ -61,6 +61,8 @@ constexpr CodeName kWin32Words[] = {
     {"more data", ERROR_MORE_DATA},
     {"no more files", ERROR_NO_MORE_FILES},
     {"disk full", ERROR_DISK_FULL},
+    {"no more items", ERROR_NO_MORE_ITEMS},
+    {"key deleted", ERROR_KEY_DELETED},
 };
 
 constexpr CodeName kConfigurationWords[] = {

@@ -17,7 +17,7 @@ namespace simhost {
 enum class CodeFamily : std::uint8_t {
   kWmi,           ///< a method of a WMI interface: a WBEM_ code
   kCom,           ///< a COM function or method: an HRESULT
-  kWin32,         ///< a function that sets the last error
+  kWin32,         ///< a function that sets the last error or gives a system error code
   kConfiguration, ///< a CM_ function: a CR_ code
   kRuntime,       ///< a function of the runtime library: an errno value
   kAllocation,    ///< gives nothing, whatever the code
@@ -71,6 +71,14 @@ inline constexpr OperationName kOperations[] = {
     {"FileTimeToSystemTime", CodeFamily::kWin32},
     {"CM_Locate_DevNode_ExW", CodeFamily::kConfiguration},
     {"CM_Reenumerate_DevNode_Ex", CodeFamily::kConfiguration},
+    {"RegOpenKeyExW", CodeFamily::kWin32, true},
+    {"RegCreateKeyExW", CodeFamily::kWin32, true},
+    {"RegCloseKey", CodeFamily::kWin32},
+    {"RegQueryInfoKeyW", CodeFamily::kWin32},
+    {"RegEnumKeyExW", CodeFamily::kWin32},
+    {"RegQueryValueExW", CodeFamily::kWin32},
+    {"RegSetValueExW", CodeFamily::kWin32},
+    {"RegDeleteKeyW", CodeFamily::kWin32},
     {"fopen", CodeFamily::kRuntime},
     {"CreateFileA", CodeFamily::kWin32},
     {"ReadFile", CodeFamily::kWin32},

@@ -1,5 +1,6 @@
 #include "simhost/state_log.h"
 
+#include "simhost/description.h"
 #include "simhost/state_file.h"
 
 #include <vector>
@@ -109,6 +110,29 @@ void StateLog::StartOver(std::uint64_t fileId) {
   m_fileId = fileId;
   m_offset = 0;
   m_lines = 0;
+  if (m_watcher != nullptr) {
+    m_watcher->StartOver();
+  }
+}
+
+void StateLog::Watch(std::string prefix, StateWatcher& watcher) {
+  const std::scoped_lock lock(m_lock);
+  m_watched = std::move(prefix);
+  m_watcher = &watcher;
+  for (const auto& [key, value] : m_values) {
+    Tell(key, &value);
+  }
+}
+
+void StateLog::Tell(std::string_view key, const Json* value) const {
+  if (m_watcher == nullptr || !key.starts_with(m_watched)) {
+    return;
+  }
+  try {
+    m_watcher->Take(key, value);
+  } catch (const DescriptionError& error) {
+    throw StateError(StateFileName(m_path) + ": " + error.what());
+  }
 }
 
 void StateLog::TakeInFile() {
@@ -161,12 +185,14 @@ void StateLog::TakeInLine(std::string_view line) {
   if (set != nullptr) {
     for (const auto& [key, value] : *set->IfObject()) {
       m_values.insert_or_assign(key, value);
+      Tell(key, &value);
     }
   }
   if (clear != nullptr) {
     for (const Json& key : *clear->IfArray()) {
       if (const std::string* text = key.IfText()) {
         m_values.erase(*text);
+        Tell(*text, nullptr);
       }
     }
   }

@@ -36,6 +36,17 @@ public:
   virtual void Clear(std::string key) = 0;
 };
 
+/// Who follows the values whose keys begin with a prefix. Called with the log locked; what it throws is a
+/// DescriptionError.
+class StateWatcher {
+public:
+  virtual ~StateWatcher() = default;
+  /// No key has a value any more.
+  virtual void StartOver() = 0;
+  /// A key has got this value; none: it was cleared.
+  virtual void Take(std::string_view key, const Json* value) = 0;
+};
+
 /// The machine's changes; safe to use from several threads. Keys are free texts, by convention like
 /// "dsms/0/debugLevel"; values are what the description would hold. Several runs may share one file: the lock is held
 /// for one change at a time, and Refresh takes in what others have written.
@@ -59,6 +70,10 @@ public:
   /// Takes in what other runs have written, or that the file is gone.
   void Refresh();
 
+  /// Tells one watcher, which outlives the log's last use, of the keys with a prefix: of their values now, and from now
+  /// on of each change, whoever made it. Throws StateError.
+  void Watch(std::string prefix, StateWatcher& watcher);
+
 private:
   using Values = std::map<std::string, Json, std::less<>>;
   class Change;
@@ -69,6 +84,7 @@ private:
   [[noreturn]] void RefuseLine(std::string_view reason) const;
   void TakeInFile();
   void Compact(LockedStateFile& file);
+  void Tell(std::string_view key, const Json* value) const;
 
   mutable std::mutex m_lock;
   std::string m_path;
@@ -76,6 +92,8 @@ private:
   std::uint64_t m_fileId = 0; ///< the file that the values come from; 0 for none
   std::uint64_t m_offset = 0; ///< bytes of it taken in, complete lines
   std::uint64_t m_lines = 0;  ///< lines taken in
+  std::string m_watched;
+  StateWatcher* m_watcher = nullptr;
 };
 
 /// The log is rewritten, a line per key, when it has more than this many lines and more than four times as many as

@@ -35,12 +35,9 @@ Json AuditReport() {
                                void* context) { static_cast<Json::Object*>(context)->emplace_back(name, count); },
                             &stores);
   const platform::LiveObjects live = platform::CountLiveObjects();
-  return Json::Object{{"bstrs", live.bstrs},
-                      {"safearrays", live.safeArrays},
-                      {"handles", live.handles},
-                      {"interfaces", std::move(interfaces)},
-                      {"stores", std::move(stores)},
-                      {"coercions", TheStatistics().coercions.load()},
+  return Json::Object{{"bstrs", live.bstrs},         {"safearrays", live.safeArrays},
+                      {"handles", live.handles},     {"interfaces", std::move(interfaces)},
+                      {"stores", std::move(stores)}, {"coercions", TheStatistics().coercions.load()},
                       {"calls", std::move(calls)}};
 }
 

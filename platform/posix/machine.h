@@ -120,6 +120,9 @@ public:
   /// The physical drive of that number; none when the machine does not have it.
   virtual std::shared_ptr<PhysicalDrivePort> PhysicalDrive(std::uint32_t /*number*/) { return nullptr; }
 
+  /// Told of each registry call on an open key, by the function's name, before TakeFault.
+  virtual void CountCall(std::string_view /*operation*/) noexcept {}
+
   /// The registry's HKEY_LOCAL_MACHINE; none for a machine without a registry.
   virtual std::shared_ptr<RegistryKey> LocalMachineKey() { return nullptr; }
 };

@@ -4,6 +4,7 @@
 #include "platform/posix/faults.h"
 #include "platform/posix/handle_table.h"
 #include "platform/posix/machine.h"
+#include "platform/posix/machine_access.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -45,6 +46,9 @@ std::wstring_view ViewOf(LPCWSTR text) {
 
 /// What a described fault makes of a call on the key or on what `below` names in it.
 std::optional<DWORD> FaultOfKey(std::string_view operation, const RegistryKey& key, LPCWSTR below = nullptr) {
+  if (platform::MachineWithFaults() == nullptr) {
+    return std::nullopt;
+  }
   std::wstring target = key.Path();
   if (!ViewOf(below).empty()) {
     target += target.empty() ? L"" : L"\\";
@@ -62,6 +66,7 @@ LSTATUS Carry(HKEY handle, std::string_view operation, LPCWSTR below, Call call)
     if (!key) {
       return ERROR_INVALID_HANDLE;
     }
+    platform::TheMachine().CountCall(operation);
     if (const auto fault = FaultOfKey(operation, *key->key, below)) {
       return static_cast<LSTATUS>(*fault);
     }

@@ -57,6 +57,7 @@ std::uint64_t Number(const void* pointer) {
 LONG gLong = 0;
 DWORD gSize = 64;
 DEVINST gNode = 0;
+HKEY gKey = nullptr;
 void* gPointer = nullptr;
 wchar_t gName[64];
 FILETIME gFileTime;
@@ -93,6 +94,12 @@ const FaultRow kFaultRows[] = {
     {"CM_Locate_DevNode_ExW", "", kResult,
      [] { return std::uint64_t{CM_Locate_DevNode_ExW(&gNode, nullptr, 0, nullptr)}; }},
     {"CM_Reenumerate_DevNode_Ex", "", kResult, [] { return std::uint64_t{CM_Reenumerate_DevNode_Ex(1, 0, nullptr)}; }},
+    {"RegOpenKeyExW", "SYSTEM\\x", kResult,
+     [] { return Number(RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"SYSTEM\\x", 0, KEY_ALL_ACCESS, &gKey)); }},
+    {"RegCloseKey", "", kResult, [] { return Number(RegCloseKey(HKEY_LOCAL_MACHINE)); }},
+    {"RegSetValueExW", "v", kResult,
+     [] { return Number(RegSetValueExW(HKEY_LOCAL_MACHINE, L"v", 0, REG_NONE, nullptr, 0)); }},
+    {"RegDeleteKeyW", "x", kResult, [] { return Number(RegDeleteKeyW(HKEY_LOCAL_MACHINE, L"x")); }},
     {"fopen", "no\\such", kErrno, [] { return Number(platform::OpenTextFile("no\\such", "r")); }},
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/posix/machine.h"
+#include "simhost/registry.h"
 
 #include <chrono>
 #include <functional>
@@ -9,7 +10,7 @@
 namespace contract {
 
 /// The least machine that the platform's calls can run on: a name without a domain, the real clock, a device tree of
-/// one node and no COM class. Its faults are what `onFault` says.
+/// one node, no COM class and the simulated host's registry, empty. Its faults are what `onFault` says.
 class TestMachine : public platform::Machine {
 public:
   using FaultRule = std::function<std::optional<std::uint32_t>(std::string_view operation, std::string_view target)>;
@@ -43,6 +44,17 @@ public:
     return CR_SUCCESS;
   }
   CONFIGRET ReenumerateDeviceNode(DEVINST node) override { return node == kRootNode ? CR_SUCCESS : CR_NO_SUCH_DEVNODE; }
+  std::shared_ptr<platform::RegistryKey> LocalMachineKey() override {
+    return simhost::Registry::OpenRoot({m_registry, &m_registry->keys});
+  }
+
+private:
+  struct EmptyRegistry {
+    EmptyRegistry() { keys.Start(); }
+    simhost::StateLog state{std::string()};
+    simhost::Registry keys{state};
+  };
+  std::shared_ptr<EmptyRegistry> m_registry = std::make_shared<EmptyRegistry>();
 };
 
 inline std::unique_ptr<platform::Machine> MakeTestMachine() {
