@@ -106,11 +106,13 @@ void StateLog::Refresh() {
 }
 
 void StateLog::StartOver(std::uint64_t fileId) {
+  const bool hadState = m_lines != 0;
   m_values.clear();
   m_fileId = fileId;
   m_offset = 0;
   m_lines = 0;
-  if (m_watcher != nullptr) {
+  // The first change makes the file: nothing is over then.
+  if (hadState && m_watcher != nullptr) {
     m_watcher->StartOver();
   }
 }
