@@ -23,13 +23,15 @@ from runner.scene import Scene
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 WWN = "60a1b2c3000d4e5f0000000000000a01"
 COMMAND_LINES = [
-    ["korvex", "-t", "-a"],
-    ["korvex", "-w", WWN + ",A"],
-    ["korvex", "-g", "0", "extended"],
-    ["korvex", "-D"],
-    ["korvex", "-d", "1", "-e", "2", "-s", "forcerebalance", "-s", "busscan"],
-    ["korvex", "-P", "RetryInterval=5"],
-    ["korvex", "-M"],
+    ("two-healthy-arrays", ["korvex", "-t", "-a"]),
+    ("two-healthy-arrays", ["korvex", "-w", WWN + ",A"]),
+    ("two-healthy-arrays", ["korvex", "-g", "0", "extended"]),
+    ("two-healthy-arrays", ["korvex", "-D"]),
+    ("two-healthy-arrays", ["korvex", "-d", "1", "-e", "2", "-s", "forcerebalance", "-s", "busscan"]),
+    ("two-healthy-arrays", ["korvex", "-P", "RetryInterval=5"]),
+    ("two-healthy-arrays", ["korvex", "-M"]),
+    ("gen1-degraded-array", ["korvex", "-t", "-a", "Delphinus"]),
+    ("gen1-two-healthy-arrays", ["korvex", "-w", WWN + ",A"]),
 ]
 STATUSES = {0, 1, 255}
 FAILED, DENIED, WIN32_FAILED = 0x80041001, 0x80041003, 8
@@ -52,10 +54,10 @@ def rules(operation, count):
     return once + [{"operation": operation, "give": code} for code in codes] + [{"operation": operation, "delay": 7000}]
 
 
-def run(launcher, work, name, words, rule):
+def run(launcher, work, name, host, words, rule):
     """One run; gives how often each operation was called and what is wrong with the run."""
     scene = Scene(work / name, launcher, [ROOT / "hosts"])
-    scene.apply("host", "two-healthy-arrays")
+    scene.apply("host", host)
     scene.apply("patch", json.dumps({"faults": [rule] if rule else []}))
     outcome, accounts = scene.run(words)
     problems = audit_problems(accounts, outcome.status)
@@ -74,11 +76,11 @@ def main():
     launcher = Launcher(options.binary, timeout=60)
 
     jobs = []
-    for words in COMMAND_LINES:
-        calls, problems = run(launcher, options.work, "count", words, None)
+    for host, words in COMMAND_LINES:
+        calls, problems = run(launcher, options.work, "count", host, words, None)
         if problems or not calls:
             sys.exit("\n".join(problems) or f"{' '.join(words)} calls nothing")
-        jobs += [(words, rule) for operation, count in calls.items() for rule in rules(operation, count)]
+        jobs += [(host, words, rule) for operation, count in calls.items() for rule in rules(operation, count)]
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         runs = [pool.submit(run, launcher, options.work, f"run-{n}", *job) for n, job in enumerate(jobs)]
         problems = [problem for ended in runs for problem in ended.result()[1]]
