@@ -3,9 +3,10 @@
 #include <cstdio>
 #include <cstdlib>
 
-std::string MadeHost(int arrays, int luns, int paths) {
+std::string MadeHost(int arrays, int luns, int paths, int generation) {
   const std::string command = std::string(KORVEX_MAKEHOST) + " --arrays " + std::to_string(arrays) + " --luns " +
-                              std::to_string(luns) + " --paths " + std::to_string(paths) + " --generation 2 --seed 1";
+                              std::to_string(luns) + " --paths " + std::to_string(paths) + " --generation " +
+                              std::to_string(generation) + " --seed 1";
   std::FILE* output = popen(command.c_str(), "r");
   std::string text;
   if (output != nullptr) {

@@ -1,6 +1,5 @@
 #include "app/inventory/wwn_text.h"
 
-#include "app/cli/console/bounded_text.h"
 #include "app/cli/console/print.h"
 
 #include <cstring>
@@ -18,15 +17,16 @@ void PrintWwnCharacters(const WwnCharacters& wwn) {
 }
 
 void PrintWwnBytes(const WwnBytes& wwn) {
-  for (const std::uint8_t byte : wwn) {
-    Print("%02x", byte);
-  }
+  Print("%s", WwnText(wwn).c_str());
 }
 
 WwnText::WwnText(const WwnBytes& wwn) {
-  for (std::size_t i = 0; i < wwn.size(); ++i) {
-    BoundedFormat(m_digits + 2 * i, 3, "%02x", wwn[i]);
+  char* digit = m_digits;
+  for (const std::uint8_t byte : wwn) {
+    *digit++ = "0123456789abcdef"[byte >> 4];
+    *digit++ = "0123456789abcdef"[byte & 0xF];
   }
+  *digit = '\0';
 }
 
 } // namespace korvex

@@ -19,9 +19,7 @@ void PrintHeading(const RdacLun& lun, std::uint32_t n) {
     Print("\n");
   }
   if (lun.WWN[0] != 0) {
-    Print("    Lun #%u - WWN: ", static_cast<unsigned>(n));
-    PrintWwnBytes(lun.WWN);
-    Print("\n");
+    Print("    Lun #%u - WWN: %s\n", static_cast<unsigned>(n), WwnText(lun.WWN).c_str());
   } else {
     Print("    Lun #%u - WWN:\n", static_cast<unsigned>(n));
   }
@@ -29,13 +27,13 @@ void PrintHeading(const RdacLun& lun, std::uint32_t n) {
 }
 
 void PrintOwnership(const RdacLun& lun) {
-  Print("       LunObject: %-18.18s                      CurrentOwningPath: %c\n", HandleText(lun.LunObject).c_str(),
-        OwnerLetter(lun, lun_flag::kCurrentOwningController));
-  Print("  RemoveEligible: %c                                          BootOwningPath: %c\n",
-        YesNo(lun.Has(lun_flag::kRemoveEligible)), OwnerLetter(lun, lun_flag::kBootOwningController));
-  Print("   NotConfigured: %c                                           PreferredPath: %c\n",
-        YesNo(lun.Has(lun_flag::kNotConfigured)), OwnerLetter(lun, lun_flag::kPreferredController));
-  Print("        DevState: N/A                                 NeedsReservationCheck: %c\n",
+  Print("       LunObject: %-18.18s                      CurrentOwningPath: %c\n"
+        "  RemoveEligible: %c                                          BootOwningPath: %c\n"
+        "   NotConfigured: %c                                           PreferredPath: %c\n"
+        "        DevState: N/A                                 NeedsReservationCheck: %c\n",
+        HandleText(lun.LunObject).c_str(), OwnerLetter(lun, lun_flag::kCurrentOwningController),
+        YesNo(lun.Has(lun_flag::kRemoveEligible)), OwnerLetter(lun, lun_flag::kBootOwningController),
+        YesNo(lun.Has(lun_flag::kNotConfigured)), OwnerLetter(lun, lun_flag::kPreferredController),
         YesNo(lun.Has(lun_flag::kNeedsReservationCheck)));
 }
 
@@ -59,12 +57,10 @@ void PrintPolicyAndTas(const RdacLun& lun) {
 }
 
 void PrintCondition(const RdacLun& lun) {
-  Print("                                                                   NotReady: %c\n",
-        YesNo(lun.Has(lun_flag::kNotReady)));
-  Print("                                                                       Busy: %c\n",
-        YesNo(lun.Has(lun_flag::kBusy)));
-  Print("                                                                  Quiescent: %c\n",
-        YesNo(lun.Has(lun_flag::kQuiescent)));
+  Print("                                                                   NotReady: %c\n"
+        "                                                                       Busy: %c\n"
+        "                                                                  Quiescent: %c\n",
+        YesNo(lun.Has(lun_flag::kNotReady)), YesNo(lun.Has(lun_flag::kBusy)), YesNo(lun.Has(lun_flag::kQuiescent)));
   if (lun.Has(lun_flag::kVdOwnershipTransferEnabled)) {
     Print("                                        VD_Ownership_Transfer_Attempt_Count: %u\n",
           static_cast<unsigned>(lun.VdOwnershipTransferAttemptCount));
@@ -76,35 +72,46 @@ void PrintCondition(const RdacLun& lun) {
   }
 }
 
-void PrintDrive(const RdacDrive& drive, std::uint32_t pathIndex) {
-  const auto pathNumber = static_cast<unsigned>(pathIndex + 1);
-  if (drive.UtmLunDevice != 0) {
-    Print("         Path #%1u: LunPathDevice: %-18.18s            UTMLunDevice: %-18.18s\n", pathNumber,
-          HandleText(drive.LunPathDevice).c_str(), HandleText(drive.UtmLunDevice).c_str());
-  } else {
-    Print("         Path #%1u: LunPathDevice: %-18.18s\n", pathNumber, HandleText(drive.LunPathDevice).c_str());
-  }
-  Print("                       DevState: %-21.21s\n", RdacStateName(drive.DriveState));
-  Print("                     %s: %u\n", "PathWeight", static_cast<unsigned>(drive.PathWeight));
-  Print("                    RemoveState: 0x%x  StartState: 0x%x  PowerState: 0x%x\n",
+// All lines of a drive at once: large modules have thousands of these blocks.
+
+void PrintUtmDrive(const RdacDrive& drive, unsigned pathNumber) {
+  Print("         Path #%1u: LunPathDevice: %-18.18s            UTMLunDevice: %-18.18s\n"
+        "                       DevState: %-21.21s\n"
+        "                     %s: %u\n"
+        "                    RemoveState: 0x%x  StartState: 0x%x  PowerState: 0x%x\n",
+        pathNumber, HandleText(drive.LunPathDevice).c_str(), HandleText(drive.UtmLunDevice).c_str(),
+        RdacStateName(drive.DriveState), "PathWeight", static_cast<unsigned>(drive.PathWeight),
         static_cast<unsigned>(drive.RemoveState), static_cast<unsigned>(drive.StartState),
         static_cast<unsigned>(drive.PowerState));
 }
 
+void PrintDrive(const RdacDrive& drive, unsigned pathNumber) {
+  Print("         Path #%1u: LunPathDevice: %-18.18s\n"
+        "                       DevState: %-21.21s\n"
+        "                     %s: %u\n"
+        "                    RemoveState: 0x%x  StartState: 0x%x  PowerState: 0x%x\n",
+        pathNumber, HandleText(drive.LunPathDevice).c_str(), RdacStateName(drive.DriveState), "PathWeight",
+        static_cast<unsigned>(drive.PathWeight), static_cast<unsigned>(drive.RemoveState),
+        static_cast<unsigned>(drive.StartState), static_cast<unsigned>(drive.PowerState));
+}
+
 void PrintControllerPath(const RdacInfo& info, std::uint32_t n, std::uint32_t controller) {
   const RdacDriveInfo& block = *info.DriveInfo(n, controller);
-  Print("    Controller '%c' Path\n", ControllerLetter(controller));
-  Print("    --------------------\n");
-  Print("   NumLunObjects: %1u                                         RoundRobinIndex: %1u\n",
-        static_cast<unsigned>(block.NumDrives), static_cast<unsigned>(block.RoundRobinIndex));
+  Print("    Controller '%c' Path\n"
+        "    --------------------\n"
+        "   NumLunObjects: %1u                                         RoundRobinIndex: %1u\n",
+        ControllerLetter(controller), static_cast<unsigned>(block.NumDrives),
+        static_cast<unsigned>(block.RoundRobinIndex));
   if (block.PreferredControllerPath != kNoPreferredPath) {
     Print("                                                       ReservationPathIndex: %1d\n",
           block.PreferredControllerPath + 1);
   }
   for (std::uint32_t i = 0; i < info.MaxPaths(); ++i) {
     const RdacDrive& drive = *info.Drive(n, controller, i);
-    if (drive.HasDevice()) {
-      PrintDrive(drive, i);
+    if (drive.UtmLunDevice != 0) {
+      PrintUtmDrive(drive, i + 1);
+    } else if (drive.LunPathDevice != 0) {
+      PrintDrive(drive, i + 1);
     }
   }
   Print("\n");

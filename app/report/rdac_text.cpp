@@ -4,6 +4,7 @@
 #include "app/report/time_text.h"
 #include "wmi/trace_text.h"
 
+#include <cstring>
 #include <iterator>
 
 namespace korvex {
@@ -20,11 +21,13 @@ constexpr const char* kStateNames[] = {
 } // namespace
 
 ReportText HandleText(std::uint64_t handle) {
+  // Without a format: a report has more handles than anything else.
   ReportText text;
   if (handle == 0) {
-    BoundedCopy(text.m_text, sizeof text.m_text, "0x0");
+    std::memcpy(text.m_text, "0x0", sizeof "0x0");
   } else {
-    BoundedFormat(text.m_text, sizeof text.m_text, "0x%s", PointerText(handle).c_str());
+    std::memcpy(text.m_text, "0x", 2);
+    std::memcpy(text.m_text + 2, PointerText(handle).c_str(), sizeof(PointerText));
   }
   return text;
 }
