@@ -45,13 +45,22 @@ int DescriptorOf(std::FILE* file) {
 constexpr bool kHasTextMode = false;
 #endif
 
+/// A temporary file; asked for again for a while, as processes that ask for one at the same time can be given one name.
+std::FILE* OpenTemporaryFile() {
+  constexpr int kAttempts = 100;
+  for (int attempt = 1; attempt < kAttempts; ++attempt) {
+    std::FILE* file = std::tmpfile();
+    if (file != nullptr) {
+      return file;
+    }
+  }
+  throw std::runtime_error("no temporary file for captured output");
+}
+
 /// A stream of the process that goes to a file of its own until `Finish`, or until this object goes.
 class RedirectedStream {
 public:
-  explicit RedirectedStream(std::FILE* stream) : m_stream(stream), m_file(std::tmpfile()) {
-    if (m_file == nullptr) {
-      throw std::runtime_error("no temporary file for captured output");
-    }
+  explicit RedirectedStream(std::FILE* stream) : m_stream(stream), m_file(OpenTemporaryFile()) {
     std::fflush(m_stream);
     m_before = Duplicate(DescriptorOf(m_stream));
     Redirect(DescriptorOf(m_file), DescriptorOf(m_stream));
