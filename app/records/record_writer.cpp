@@ -37,7 +37,7 @@ public:
     unsigned char* cell = Take(kCellLength);
     const std::size_t kept = std::min(std::strlen(text), isTerminated ? kCellLength - 1 : kCellLength);
     std::memset(cell, 0, kCellLength);
-    std::memcpy(cell, text, kept);
+    std::copy_n(text, kept, cell);
   }
   void LineFeed() { *Take(1) = '\n'; }
 
@@ -51,7 +51,7 @@ void ComposeFirstLine(const UtilStatusInfo& record, Composer& content) {
   for (std::uint32_t controller = 0; controller < UtilStatusInfo::kControllers; ++controller) {
     const char* word = ControllerStateName(record.ControllerState(controller));
     line[kStateColumns[controller] - 1] = ':';
-    std::memcpy(line + kStateColumns[controller], word, std::strlen(word));
+    std::copy_n(word, std::strlen(word), line + kStateColumns[controller]);
   }
   line[kNameColumn - 1] = ':';
   std::copy_n(record.Name().begin(), kStoredNameLength, line + kNameColumn);
