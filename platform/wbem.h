@@ -205,13 +205,3 @@ protected:
   ~IWbemLocator() = default;
 };
 #endif
-
-namespace platform {
-
-/// A WMI code as a result: the SDK declares its codes as an enumeration of another signedness.
-template <class Code>
-constexpr HRESULT WbemResult(Code code) {
-  return static_cast<HRESULT>(code);
-}
-
-} // namespace platform

@@ -109,7 +109,7 @@ HRESULT SetEnumeratorSecurity(IWbemServices* services, IEnumWbemClassObject* enu
 
 HRESULT getAuth(IWbemServices* services, DWORD* authnLevelOut, DWORD* impLevelOut) {
   if (services == nullptr || authnLevelOut == nullptr || impLevelOut == nullptr) {
-    return platform::WbemResult(WBEM_E_INVALID_PARAMETER);
+    return WBEM_E_INVALID_PARAMETER;
   }
   platform::ComPtr<IClientSecurity> security;
   const HRESULT result = services->QueryInterface(IID_IClientSecurity, security.putVoid());

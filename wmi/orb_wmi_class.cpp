@@ -56,7 +56,7 @@ wmiReturn OrbWmiClass::Initialize(OrbWmiConnection& connection, const wchar_t* c
   HRESULT result = services->GetObject(name.get(), 0, nullptr, &m_ClassObject, nullptr);
   if (FAILED(result) || m_ClassObject == nullptr) {
     kTrace.Error("WMIRequestFailed(GetObject).  Error 0x%x\n", Hex(result));
-    return result == platform::WbemResult(WBEM_E_NOT_FOUND) ? kWmiClassNotFound : StatusOfFailure(result);
+    return result == WBEM_E_NOT_FOUND ? kWmiClassNotFound : StatusOfFailure(result);
   }
   result = services->CreateInstanceEnum(name.get(), WBEM_FLAG_SHALLOW, nullptr, &m_InstanceEnumerator);
   if (FAILED(result) || m_InstanceEnumerator == nullptr) {

@@ -14,15 +14,15 @@ constexpr CategoryTrace kTrace{WmiLayerTrace::kClass};
 /// The status of a name iteration's results that have one of their own.
 std::optional<wmiReturn> IterationStatus(HRESULT result) {
   switch (result) {
-  case platform::WbemResult(WBEM_E_FAILED):
-  case platform::WbemResult(WBEM_E_TRANSPORT_FAILURE):
+  case WBEM_E_FAILED:
+  case WBEM_E_TRANSPORT_FAILURE:
     return kWmiRequestFailed;
-  case platform::WbemResult(WBEM_E_INVALID_PARAMETER):
-  case platform::WbemResult(WBEM_E_UNEXPECTED):
+  case WBEM_E_INVALID_PARAMETER:
+  case WBEM_E_UNEXPECTED:
     return kWmiNotDefined;
-  case platform::WbemResult(WBEM_E_OUT_OF_MEMORY):
+  case WBEM_E_OUT_OF_MEMORY:
     return kWmiOutOfMemory;
-  case platform::WbemResult(WBEM_S_NO_MORE_DATA):
+  case WBEM_S_NO_MORE_DATA:
     return kWmiNoMoreData;
   default:
     return std::nullopt;
@@ -30,7 +30,7 @@ std::optional<wmiReturn> IterationStatus(HRESULT result) {
 }
 
 bool MayGoOn(HRESULT beginResult) {
-  return beginResult == S_OK || beginResult == platform::WbemResult(WBEM_E_UNEXPECTED);
+  return beginResult == S_OK || beginResult == WBEM_E_UNEXPECTED;
 }
 
 /// The name in the ANSI code page, terminated; cut to the room that the buffer has.

@@ -86,7 +86,7 @@ wmiReturn OrbWmiEnumerator::Next() {
   ULONG returned = 0;
   const HRESULT result = m_ClassObjectEnumerator->Next(static_cast<LONG>(WBEM_INFINITE), 1, PutInstance(), &returned);
   kTrace.Detail("Next m_ClassObjectInstance %s\n", PointerText(m_ClassObjectInstance).c_str());
-  if (result == platform::WbemResult(WBEM_S_FALSE)) {
+  if (result == WBEM_S_FALSE) {
     PutInstance();
     return kWmiNoMoreData;
   }

@@ -34,8 +34,9 @@ public:
   wmiReturn Reset();
   /// Reads a property into `buffer` of `length` bytes, zeroed first; 0, 1, 4, 5 or 7.
   wmiReturn GetProperty(const wchar_t* name, void* buffer, std::uint32_t length);
-  /// Writes a property of the current instance; 0, 1, 4 or 5. For a property that holds an object or an array of
-  /// objects the value is itself the interface or the array, and `length` must be a pointer's. An object's reference
+  /// Writes a property of the current instance; 0, 1, 4 or 5. A number with fewer bytes than the property's type takes
+  /// is refused with 1 (a uint16 takes 32 bits, or 16 as 2 or 3 bytes). For a property that holds an object or an array
+  /// of objects the value is itself the interface or the array, and `length` must be a pointer's. An object's reference
   /// passes to this call unless the value is refused before it is put.
   wmiReturn SetProperty(const wchar_t* name, const void* value, std::uint32_t length);
   /// Saves the current instance; 0, 1 or 5.

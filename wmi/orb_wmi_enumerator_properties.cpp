@@ -11,9 +11,29 @@ namespace {
 
 constexpr CategoryTrace kTrace{WmiLayerTrace::kEnumerator};
 
-/// Whether a caller's value of that type is itself an interface or an array.
-bool TakesPointer(std::uint32_t cimType) {
-  return cimType == CIM_OBJECT || cimType == kCimObjectArray;
+/// Whether a caller's value of `length` bytes can be written to a property of that type: the class, not the caller,
+/// says how many bytes are taken from the value, and whether it is itself an interface or an array.
+bool FitsLength(std::uint32_t cimType, std::uint32_t length) {
+  switch (cimType) {
+  case CIM_OBJECT:
+  case kCimObjectArray:
+    return length == sizeof(void*);
+  case CIM_SINT64:
+  case CIM_UINT64:
+    return length >= sizeof(std::uint64_t);
+  case CIM_SINT32:
+  case CIM_UINT32:
+    return length >= sizeof(std::uint32_t);
+  case CIM_SINT8:
+  case CIM_SINT16:
+  case CIM_UINT16:
+    return length >= sizeof(std::uint16_t);
+  case CIM_UINT8:
+  case CIM_BOOLEAN:
+    return length >= sizeof(std::uint8_t);
+  default:
+    return true;
+  }
 }
 
 } // namespace
@@ -58,9 +78,14 @@ wmiReturn OrbWmiEnumerator::SetProperty(const wchar_t* name, const void* value, 
     kTrace.Error("WMIRequestFailed(Get)-SetProperty.  Error 0x%x\n", Hex(result));
     return kWmiRequestFailed;
   }
-  if (TakesPointer(static_cast<std::uint32_t>(cimType)) && length != sizeof(void*)) {
-    // The class declares an object where the caller has a plain value, which must not be taken for an address.
+  if (!FitsLength(static_cast<std::uint32_t>(cimType), length)) {
     return kWmiRequestFailed;
+  }
+  std::uint32_t widened = 0;
+  if (cimType == CIM_UINT16 && length < sizeof widened) {
+    // A uint16 is taken as 32 bits, but may come in its own 16.
+    std::memcpy(&widened, value, sizeof(std::uint16_t));
+    value = &widened;
   }
   VARIANT written = before.get();
   const wmiReturn status = OrbWmiCommon::SetVariantType(written, value, length, static_cast<std::uint32_t>(cimType));

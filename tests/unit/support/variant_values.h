@@ -3,7 +3,7 @@
 #include "platform/com_owners.h"
 
 #include <memory>
-#include <string_view>
+#include <string>
 #include <vector>
 
 // VARIANTs as tests write them down.
@@ -22,12 +22,6 @@ inline Value EmptyValue(VARTYPE type = VT_EMPTY) {
 inline Value NumberValue(LONG number, VARTYPE type = VT_I4) {
   Value value = EmptyValue(type);
   value->get().lVal = number;
-  return value;
-}
-
-inline Value BooleanValue(VARIANT_BOOL boolean) {
-  Value value = EmptyValue(VT_BOOL);
-  value->get().boolVal = boolean;
   return value;
 }
 
@@ -59,23 +53,23 @@ inline Value ArrayValue(VARTYPE type, SAFEARRAY* array) {
   return value;
 }
 
-inline Value BytesValue(std::string_view bytes, LONG lower = 0) {
-  SAFEARRAY* array = MakeArray(VT_UI1, bytes.size(), lower);
-  for (std::size_t at = 0; at < bytes.size(); ++at) {
+/// An array whose elements are what `element` gives the address of, by their place.
+template <class ElementAt>
+Value FilledArray(VARTYPE type, std::size_t count, LONG lower, ElementAt element) {
+  SAFEARRAY* array = MakeArray(type, count, lower);
+  for (std::size_t at = 0; at < count; ++at) {
     LONG index = lower + static_cast<LONG>(at);
-    char byte = bytes[at];
-    SafeArrayPutElement(array, &index, &byte);
+    SafeArrayPutElement(array, &index, element(at));
   }
-  return ArrayValue(VT_UI1, array);
+  return ArrayValue(type, array);
+}
+
+inline Value BytesValue(std::string bytes, LONG lower = 0) {
+  return FilledArray(VT_UI1, bytes.size(), lower, [&](std::size_t at) { return &bytes[at]; });
 }
 
 inline Value ObjectsValue(const std::vector<IUnknown*>& objects, LONG lower = 0) {
-  SAFEARRAY* array = MakeArray(VT_UNKNOWN, objects.size(), lower);
-  for (std::size_t at = 0; at < objects.size(); ++at) {
-    LONG index = lower + static_cast<LONG>(at);
-    SafeArrayPutElement(array, &index, objects[at]);
-  }
-  return ArrayValue(VT_UNKNOWN, array);
+  return FilledArray(VT_UNKNOWN, objects.size(), lower, [&](std::size_t at) { return objects[at]; });
 }
 
 } // namespace korvex
