@@ -1,6 +1,5 @@
 #include "app/cli/console/bounded_text.h"
 
-#include <cstring>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -8,44 +7,6 @@ namespace korvex {
 namespace {
 
 constexpr std::size_t kTooMuch = 2147483648;
-
-/// A buffer between two guards, filled with marks, so that what is written and where can be seen.
-template <class Character>
-struct Guarded {
-  Character before = Character{'#'};
-  Character text[8] = {'#', '#', '#', '#', '#', '#', '#', '#'};
-  Character after = Character{'#'};
-
-  /// What stands before the terminator, which must be there.
-  std::basic_string<Character> Terminated(std::size_t capacity) const {
-    const std::basic_string<Character> all(text, std::size(text));
-    EXPECT_LT(all.find(Character{}), capacity);
-    return all.substr(0, all.find(Character{}));
-  }
-  bool IsUntouched() const {
-    return std::basic_string<Character>(text, std::size(text)) == std::basic_string<Character>(8, '#') &&
-           AreGuardsIntact();
-  }
-  bool AreGuardsIntact() const { return before == Character{'#'} && after == Character{'#'}; }
-};
-
-struct BoundCase {
-  const char* text;
-  std::size_t capacity;
-  HRESULT result;
-  const char* left;
-};
-
-// What a text leaves in a buffer of a capacity, whatever the operation that writes it from the beginning.
-const BoundCase kBoundCases[] = {
-    {"", 1, S_OK, ""},
-    {"a", 1, STRSAFE_E_INSUFFICIENT_BUFFER, ""},
-    {"seven77", 8, S_OK, "seven77"},
-    {"eight888", 8, STRSAFE_E_INSUFFICIENT_BUFFER, "eight88"},
-    {"four", 5, S_OK, "four"},
-    {"four", 4, STRSAFE_E_INSUFFICIENT_BUFFER, "fou"},
-    {"d\xE9j\xE0", 4, STRSAFE_E_INSUFFICIENT_BUFFER, "d\xE9j"},
-};
 
 std::wstring Widen(const std::string& text) {
   std::wstring wide;
@@ -55,76 +16,90 @@ std::wstring Widen(const std::string& text) {
   return wide;
 }
 
+/// What `write` leaves of a text in eight characters that held `before` and marks behind it: the text up to its
+/// terminator. Nothing before them and nothing from `capacity` on may have been written.
+template <class Character, class Write>
+std::basic_string<Character> Left(const std::basic_string<Character>& before, std::size_t capacity, HRESULT result,
+                                  Write write) {
+  std::basic_string<Character> all(10, '#');
+  all.replace(1, before.size(), before);
+  const std::basic_string<Character> untouched = all;
+  EXPECT_EQ(write(all.data() + 1), result);
+  EXPECT_EQ(all[0], '#');
+  const std::size_t end = capacity <= 8 ? 1 + capacity : 1;
+  EXPECT_EQ(all.substr(end), untouched.substr(end));
+  const std::size_t terminator = all.find(Character{}, 1);
+  EXPECT_TRUE(terminator < end || end == 1);
+  return all.substr(1, terminator - 1);
+}
+
 TEST(BoundedText, CutsWhatDoesNotFitAndTerminates) {
-  for (const BoundCase& row : kBoundCases) {
+  constexpr HRESULT kCut = STRSAFE_E_INSUFFICIENT_BUFFER;
+  const struct {
+    std::string before; ///< what an append finds, terminator included; what the others overwrite
+    std::string text;
+    std::size_t capacity;
+    HRESULT result;
+    std::string left;
+    std::string appended;
+    HRESULT appendResult;
+  } rows[] = {
+      {std::string(1, '\0'), "", 1, S_OK, "", "", S_OK},
+      {std::string(1, '\0'), "a", 1, kCut, "", "", kCut},
+      {std::string("abc\0", 4), "seven77", 8, S_OK, "seven77", "abcseve", kCut},
+      {std::string("abc\0", 4), "four", 8, S_OK, "four", "abcfour", S_OK},
+      {std::string("a\0", 2), "eight888", 8, kCut, "eight88", "aeight8", kCut},
+      {std::string("a\0", 2), "four", 4, kCut, "fou", "afo", kCut},
+      {std::string("a\0", 2), "d\xE9j\xE0", 4, kCut, "d\xE9j", "ad\xE9", kCut},
+  };
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.text);
-    Guarded<char> formatted;
-    EXPECT_EQ(BoundedFormat(formatted.text, row.capacity, "%s", row.text), row.result);
-    EXPECT_EQ(formatted.Terminated(row.capacity), row.left);
-    EXPECT_TRUE(formatted.AreGuardsIntact());
-
-    Guarded<char> copied;
-    EXPECT_EQ(BoundedCopy(copied.text, row.capacity, row.text), row.result);
-    EXPECT_EQ(copied.Terminated(row.capacity), row.left);
-    EXPECT_TRUE(copied.AreGuardsIntact());
-
-    Guarded<wchar_t> copiedWide;
-    EXPECT_EQ(BoundedCopy(copiedWide.text, row.capacity, Widen(row.text).c_str()), row.result);
-    EXPECT_EQ(copiedWide.Terminated(row.capacity), Widen(row.left));
-    EXPECT_TRUE(copiedWide.AreGuardsIntact());
-
-    Guarded<wchar_t> formattedWide;
+    const char* text = row.text.c_str();
+    const std::wstring wideText = Widen(row.text);
+    const std::wstring wideBefore = Widen(row.before);
+    const auto format = [&](char* out) { return BoundedFormat(out, row.capacity, "%s", text); };
+    EXPECT_EQ(Left(row.before, row.capacity, row.result, format), row.left);
+    const auto copy = [&](auto* out, const auto* from) { return BoundedCopy(out, row.capacity, from); };
+    EXPECT_EQ(Left(row.before, row.capacity, row.result, [&](char* out) { return copy(out, text); }), row.left);
+    EXPECT_EQ(Left(wideBefore, row.capacity, row.result, [&](wchar_t* out) { return copy(out, wideText.c_str()); }),
+              Widen(row.left));
     const std::size_t oddBytes = row.capacity * sizeof(wchar_t) + 1;
-    EXPECT_EQ(BoundedWideFormat(formattedWide.text, oddBytes, "%s", row.text), row.result);
-    EXPECT_EQ(formattedWide.Terminated(row.capacity), Widen(row.left));
-    EXPECT_TRUE(formattedWide.AreGuardsIntact());
+    const auto wideFormat = [&](wchar_t* out) { return BoundedWideFormat(out, oddBytes, "%s", text); };
+    EXPECT_EQ(Left(wideBefore, row.capacity, row.result, wideFormat), Widen(row.left));
+    const auto append = [&](auto* out, const auto* from) { return BoundedAppend(out, row.capacity, from); };
+    EXPECT_EQ(Left(row.before, row.capacity, row.appendResult, [&](char* out) { return append(out, text); }),
+              row.appended);
+    EXPECT_EQ(
+        Left(wideBefore, row.capacity, row.appendResult, [&](wchar_t* out) { return append(out, wideText.c_str()); }),
+        Widen(row.appended));
   }
 }
 
 TEST(BoundedText, RefusesUnusableCapacitiesAndWritesNothing) {
-  for (const std::size_t capacity : {std::size_t{0}, kTooMuch, static_cast<std::size_t>(-1)}) {
-    Guarded<char> narrow;
-    EXPECT_EQ(BoundedFormat(narrow.text, capacity, "%d", 1), STRSAFE_E_INVALID_PARAMETER);
-    EXPECT_EQ(BoundedCopy(narrow.text, capacity, "x"), STRSAFE_E_INVALID_PARAMETER);
-    EXPECT_EQ(BoundedAppend(narrow.text, capacity, "x"), STRSAFE_E_INVALID_PARAMETER);
-    EXPECT_TRUE(narrow.IsUntouched());
-    Guarded<wchar_t> wide;
-    EXPECT_EQ(BoundedCopy(wide.text, capacity, L"x"), STRSAFE_E_INVALID_PARAMETER);
-    EXPECT_EQ(BoundedAppend(wide.text, capacity, L"x"), STRSAFE_E_INVALID_PARAMETER);
-    EXPECT_TRUE(wide.IsUntouched());
+  constexpr HRESULT kInvalid = STRSAFE_E_INVALID_PARAMETER;
+  const std::string marks = "#########";
+  for (const std::size_t size : {std::size_t{0}, kTooMuch, static_cast<std::size_t>(-1)}) {
+    EXPECT_EQ(Left<char>("", size, kInvalid, [&](char* out) { return BoundedFormat(out, size, "%d", 1); }), marks);
+    EXPECT_EQ(Left<char>("", size, kInvalid, [&](char* out) { return BoundedCopy(out, size, "x"); }), marks);
+    EXPECT_EQ(Left<char>("", size, kInvalid, [&](char* out) { return BoundedAppend(out, size, "x"); }), marks);
+    EXPECT_EQ(Left<wchar_t>(L"", size, kInvalid, [&](wchar_t* out) { return BoundedCopy(out, size, L"x"); }),
+              Widen(marks));
   }
-  Guarded<wchar_t> wide;
-  EXPECT_EQ(BoundedWideFormat(wide.text, sizeof(wchar_t) - 1, "%d", 1), STRSAFE_E_INVALID_PARAMETER);
-  EXPECT_EQ(BoundedWideFormat(wide.text, kTooMuch * sizeof(wchar_t), "%d", 1), STRSAFE_E_INVALID_PARAMETER);
-  EXPECT_TRUE(wide.IsUntouched());
-}
-
-TEST(BoundedText, AppendsWhatFitsBehindTheText) {
-  Guarded<char> narrow;
-  std::strcpy(narrow.text, "abc");
-  EXPECT_EQ(BoundedAppend(narrow.text, 8, "def"), S_OK);
-  EXPECT_STREQ(narrow.text, "abcdef");
-  EXPECT_EQ(BoundedAppend(narrow.text, 8, "ghi"), STRSAFE_E_INSUFFICIENT_BUFFER);
-  EXPECT_STREQ(narrow.text, "abcdefg");
-  // Without a terminator within the capacity there is no text to append to.
-  EXPECT_EQ(BoundedAppend(narrow.text, 7, "x"), STRSAFE_E_INVALID_PARAMETER);
-  EXPECT_STREQ(narrow.text, "abcdefg");
-  EXPECT_TRUE(narrow.AreGuardsIntact());
-
-  wchar_t wide[4] = L"a";
-  EXPECT_EQ(BoundedAppend(wide, 4, L"bcd"), STRSAFE_E_INSUFFICIENT_BUFFER);
+  // Less than a character, and too much in characters; no terminator within the capacity to append at.
+  wchar_t wide[4] = L"abc";
+  EXPECT_EQ(BoundedWideFormat(wide, sizeof(wchar_t) - 1, "%d", 1), kInvalid);
+  EXPECT_EQ(BoundedWideFormat(wide, kTooMuch * sizeof(wchar_t), "%d", 1), kInvalid);
+  EXPECT_EQ(BoundedAppend(wide, 3, L"d"), kInvalid);
   EXPECT_STREQ(wide, L"abc");
 }
 
 TEST(BoundedText, MeasuresOnlyWithinTheCapacity) {
-  struct Case {
+  const struct {
     const char* text;
     std::size_t capacity;
     HRESULT result;
     std::size_t length;
-  };
-  const Case cases[] = {
-      {"", 1, S_OK, 0},
+  } rows[] = {
       {"abc", 4, S_OK, 3},
       {"abc", 2147483647, S_OK, 3},
       {"abc", 3, STRSAFE_E_INVALID_PARAMETER, 0},
@@ -132,20 +107,11 @@ TEST(BoundedText, MeasuresOnlyWithinTheCapacity) {
       {"abc", kTooMuch, STRSAFE_E_INVALID_PARAMETER, 0},
       {nullptr, 4, STRSAFE_E_INVALID_PARAMETER, 0},
   };
-  for (const Case& row : cases) {
+  for (const auto& row : rows) {
     std::size_t length = 77;
     EXPECT_EQ(BoundedLength(row.text, row.capacity, &length), row.result) << row.capacity;
     EXPECT_EQ(length, row.length) << row.capacity;
   }
-  std::size_t length = 77;
-  EXPECT_EQ(BoundedLength(L"wide", 5, &length), S_OK);
-  EXPECT_EQ(length, 4U);
-}
-
-TEST(BoundedText, WidensFromTheAnsiCodePage) {
-  wchar_t wide[16];
-  EXPECT_EQ(BoundedWideFormat(wide, sizeof(wide), "%s=%x", "\x80uro", 0xABCU), S_OK);
-  EXPECT_STREQ(wide, L"\x20ACuro=abc");
 }
 
 } // namespace

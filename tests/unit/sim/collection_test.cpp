@@ -1,134 +1,148 @@
 #include "app/inventory/current_array.h"
+#include "app/inventory/gen2_inventory.h"
 #include "app/inventory/gen2_stores.h"
-#include "tests/unit/sim/collection_host.h"
-#include "tests/unit/support/capture.h"
-
-#include <string>
+#include "tests/unit/sim/channel_host.h"
 
 namespace korvex {
 namespace {
 
-class Collection : public CollectionHost {
+class Collection : public ChannelHost {
 protected:
-  /// What a silent collection of the whole array traces.
-  static std::string TraceOfCollect(int expectedResult) {
-    gTraceEnabled = true;
-    return Capture([expectedResult] { EXPECT_EQ(Collect(), expectedResult); }).err;
+  /// Starts the channel over a DSM with an array of two controllers and three LUNs of a path each.
+  void Open(const std::string& rules) {
+    Begin(rules, R"({"luns": [{"paths": [{}]}, {"paths": [{}]}, {"paths": [{}]}]})");
+    ASSERT_TRUE(StartChannel());
   }
-};
 
-const std::string kOpened = "Init connection\nClass init\nWMI_METHODS name 'TESTDSM_WMI_METHODS_V2'\n";
-
-/// The trace of a request without input that succeeds.
-std::string NumberRequest(const std::string& code, const std::string& method, const std::string& output) {
-  return "Ioctl(" + code + ")\nOutputEnumerator init - '" + output + "'\nUtilOutputParameter called " + code +
-         "\nUtilOutputParameter returned 0x0\nExecute method - '" + method + "'\nUtilReturnParameter called " + code +
-         "\nUtilReturnParameter returned 0x0\nioctl return (0x1)\n";
-}
-
-/// The trace of a request for the selection that succeeds.
-std::string SelectionRequest(const std::string& code, const std::string& method, const std::string& output) {
-  std::string trace = NumberRequest(code, method, output);
-  return trace.insert(trace.find('\n') + 1, "InputEnumerator init - 'inputArguments'\n");
-}
-
-TEST_F(Collection, SendsOneRequestOfEachKind) {
-  const std::string begun = "Ioctl(0x4df2)\nCalling callback function\n" + kOpened + "Requested DSM 'TESTDSM'\n" +
-                            SelectionRequest("0x4df3", "VrxDsmGetArrayInfo", "DSMArrayInfo");
-  const std::string luns = SelectionRequest("0x4df6", "VrxDsmGetMPGInfo", "MPGInfo");
-  const std::string ended = "ioctl return (0x1)\n";
-  Open();
-  const std::string opened = kOpened + "utilDetermineBusFd: Requested DSM 'TESTDSM'\n";
-  EXPECT_EQ(TraceOfCollect(1), opened + opened + "sending ioctl for maxArrayModules \n" +
-                                   NumberRequest("0x4df4", "VrxDsmGetCurrentNumberOfArrays", "NumberOfArrays") +
-                                   "MaxArrayModules = 1 \n" + begun +
-                                   SelectionRequest("0x4df5", "VrxDsmGetTPGInfo", "TPGInfo") + luns +
-                                   SelectionRequest("0x4df7", "VrxDsmGetDeviceInfo", "DEVInfo") + ended);
-  gStatusScanActive = true;
-  EXPECT_EQ(TraceOfCollect(1), begun + SelectionRequest("0x4dfb", "VrxDsmGetTPGInfoWithStatus", "TPGInfo") + luns +
-                                   SelectionRequest("0x4dfc", "VrxDsmGetDeviceInfoWithStatus", "DEVInfo") + ended);
-  gDetailMode = false;
-  EXPECT_EQ(Capture([] { EXPECT_EQ(GetDsmArrayInfo(), 1); }).err, begun + ended);
-}
-
-struct FailureRow {
-  const char* fault;
-  const char* trace;
-  std::uint32_t controllers; ///< stored in spite of the failure
-  std::uint32_t luns;
-  std::uint32_t devices;
+  /// Collects the array in all its parts, with the trace on.
+  static std::string Collect() {
+    gDetailMode = true;
+    gReportSelectionErrors = false;
+    return Traced(1, GetDsmArrayInfo);
+  }
 };
 
 TEST_F(Collection, AListThatCannotBeReadIsEmpty) {
   // An embedded object is asked for IWbemClassObject in this order: the array list, its element, the controller list,
-  // its two elements, the LUN list, its element, the device list.
-  const FailureRow rows[] = {
-      {R"({"operation": "GetObject", "target": "VRXDSM_ARRAY_INFO_LIST", "give": "failed"})",
-       "Error initializing VRXDSM_ARRAY_INFO_LIST class\n", 0, 0, 1},
-      {R"({"operation": "GetObject", "target": "VRXDSM_ARRAY_INFO", "give": "not found"})",
-       "Error initializing VRXDSM_ARRAY_INFO class\n", 0, 0, 1},
-      {R"({"operation": "QueryInterface", "target": "IWbemClassObject", "occurrence": 1, "give": "no interface"})",
-       "Error initializing arrayInfoListClass enum\n", 0, 0, 1},
-      {R"({"operation": "Get", "target": "VRXDSM_ARRAY_INFO_LIST.List", "give": "failed"})", "", 0, 0, 1},
-      {R"({"operation": "CreateInstanceEnum", "target": "VRXDSM_TARGET_PORT_GROUP_CONTROLLER_LIST", "give": "failed"})",
-       "Error initializing VRXDSM_TARGET_PORT_GROUP_CONTROLLER_LIST class\n", 0, 1, 1},
-      {R"({"operation": "GetObject", "target": "VRXDSM_TARGET_PORT_GROUP_CONTROLLER", "give": "access denied"})",
-       "Error initializing VRXDSM_TARGET_PORT_GROUP_CONTROLLER class\n", 0, 1, 1},
-      {R"({"operation": "QueryInterface", "target": "IWbemClassObject", "occurrence": 3, "give": "no interface"})",
-       "Error initializing tpgInfoListClass enum\n", 0, 1, 1},
-      {R"({"operation": "Get", "target": "VRXDSM_TARGET_PORT_GROUP_CONTROLLER_LIST.List", "give": "failed"})",
-       "Error initializing initializeArrayEnumerator\n", 0, 1, 1},
-      {R"({"operation": "GetObject", "target": "VRXDSM_MULTIPATH_DEVICE_LIST", "give": "failed"})",
-       "Error initializing VRXDSM_MULTIPATH_DEVICE_LIST class\n", 2, 0, 1},
-      {R"({"operation": "GetObject", "target": "VRXDSM_MULTIPATH_DEVICE", "give": "failed"})",
-       "Error initializing VRXDSM_MULTIPATH_DEVICE class\n", 2, 0, 1},
-      {R"({"operation": "QueryInterface", "target": "IWbemClassObject", "occurrence": 6, "give": "no interface"})",
-       "Error initializing mpgInfoListClass enum\n", 2, 0, 1},
-      {R"({"operation": "Get", "target": "VRXDSM_MULTIPATH_DEVICE_LIST.List", "give": "failed"})", "", 2, 0, 1},
-      {R"({"operation": "GetObject", "target": "VRXDSM_DEVICE_INFO_LIST", "give": "failed"})",
-       "Error initializing VRXDSM_DEVICE_INFO_LIST class\n", 2, 1, 0},
-      {R"({"operation": "GetObject", "target": "VRXDSM_DEVICE_INFO", "give": "failed"})",
-       "Error initializing VRXDSM_DEVICE_INFO class\n", 2, 1, 0},
-      {R"({"operation": "QueryInterface", "target": "IWbemClassObject", "occurrence": 8, "give": "no interface"})",
-       "Error initializing devInfoListClass enum\n", 2, 1, 0},
-      {R"({"operation": "Get", "target": "VRXDSM_DEVICE_INFO_LIST.List", "give": "failed"})",
-       "Error initializing initializeArrayEnumerator\n", 2, 1, 0},
+  // its two elements, the LUN list, its three elements, the device list.
+  const struct {
+    const char* fault;
+    const char* trace;
+    std::uint32_t controllers; ///< stored in spite of the failure
+    std::uint32_t luns;
+    std::uint32_t devices;
+  } rows[] = {
+      {R"("GetObject", "target": "VRXDSM_ARRAY_INFO_LIST")", "VRXDSM_ARRAY_INFO_LIST class", 0, 0, 3},
+      {R"("GetObject", "target": "VRXDSM_ARRAY_INFO")", "VRXDSM_ARRAY_INFO class", 0, 0, 3},
+      {R"("QueryInterface", "target": "IWbemClassObject", "occurrence": 1)", "arrayInfoListClass enum", 0, 0, 3},
+      {R"("Get", "target": "VRXDSM_ARRAY_INFO_LIST.List")", "", 0, 0, 3},
+      {R"("CreateInstanceEnum", "target": "VRXDSM_TARGET_PORT_GROUP_CONTROLLER_LIST")",
+       "VRXDSM_TARGET_PORT_GROUP_CONTROLLER_LIST class", 0, 3, 3},
+      {R"("GetObject", "target": "VRXDSM_TARGET_PORT_GROUP_CONTROLLER")", "VRXDSM_TARGET_PORT_GROUP_CONTROLLER class",
+       0, 3, 3},
+      {R"("QueryInterface", "target": "IWbemClassObject", "occurrence": 3)", "tpgInfoListClass enum", 0, 3, 3},
+      {R"("Get", "target": "VRXDSM_TARGET_PORT_GROUP_CONTROLLER_LIST.List")", "initializeArrayEnumerator", 0, 3, 3},
+      {R"("GetObject", "target": "VRXDSM_MULTIPATH_DEVICE_LIST")", "VRXDSM_MULTIPATH_DEVICE_LIST class", 2, 0, 3},
+      {R"("GetObject", "target": "VRXDSM_MULTIPATH_DEVICE")", "VRXDSM_MULTIPATH_DEVICE class", 2, 0, 3},
+      {R"("QueryInterface", "target": "IWbemClassObject", "occurrence": 6)", "mpgInfoListClass enum", 2, 0, 3},
+      {R"("Get", "target": "VRXDSM_MULTIPATH_DEVICE_LIST.List")", "", 2, 0, 3},
+      {R"("GetObject", "target": "VRXDSM_DEVICE_INFO_LIST")", "VRXDSM_DEVICE_INFO_LIST class", 2, 3, 0},
+      {R"("GetObject", "target": "VRXDSM_DEVICE_INFO")", "VRXDSM_DEVICE_INFO class", 2, 3, 0},
+      {R"("QueryInterface", "target": "IWbemClassObject", "occurrence": 10)", "devInfoListClass enum", 2, 3, 0},
+      {R"("Get", "target": "VRXDSM_DEVICE_INFO_LIST.List")", "initializeArrayEnumerator", 2, 3, 0},
   };
-  for (const FailureRow& row : rows) {
-    Open("[" + std::string(row.fault) + "]");
-    lists[L"VrxDsmGetTPGInfo"] = {Record(7328, 7328), Record(7328, 7328)};
-    lists[L"VrxDsmGetMPGInfo"] = {Record(2126, 2126)};
-    lists[L"VrxDsmGetDeviceInfo"] = {Record(60, 60)};
-    const std::string trace = TraceOfCollect(1);
-    EXPECT_NE(trace.find(row.trace), std::string::npos) << row.fault << "\n" << trace;
-    EXPECT_EQ(trace.find("Error initializing") != std::string::npos, *row.trace != '\0') << row.fault << "\n" << trace;
+  for (const auto& row : rows) {
+    Open(std::string(R"("faults": [{"operation": )") + row.fault + R"(, "give": "0x80041001"}])");
+    const std::string trace = Collect();
+    const std::size_t told = trace.find("Error initializing ");
+    EXPECT_EQ(told == std::string::npos ? "" : trace.substr(told + 19, trace.find('\n', told) - told - 19), row.trace)
+        << row.fault;
     EXPECT_EQ(gArrayControllerCount, row.controllers) << row.fault;
     EXPECT_EQ(gArrayLunCount, row.luns) << row.fault;
     EXPECT_EQ(gDevInfoCount, row.devices) << row.fault;
   }
 }
 
-TEST_F(Collection, AFailedRequestEndsIt) {
-  for (const wchar_t* method :
-       {L"VrxDsmGetArrayInfo", L"VrxDsmGetTPGInfo", L"VrxDsmGetMPGInfo", L"VrxDsmGetDeviceInfo"}) {
-    const std::wstring wide(method);
-    Open(R"([{"operation": "ExecMethod", "target": ")" + std::string(wide.begin(), wide.end()) +
-         R"(", "give": "failed"}])");
-    const std::string trace = TraceOfCollect(-1);
-    const std::string expectedEnd = "!\nioctl return (0xffffffff)\n";
-    EXPECT_NE(trace.find("ioctl return (0xffffffff)\nUnable to send ioctl request - "), std::string::npos) << trace;
-    EXPECT_EQ(trace.substr(trace.size() - expectedEnd.size()), expectedEnd);
-    EXPECT_EQ(calls[L"VrxDsmGetDeviceInfo"], 0);
+TEST_F(Collection, DeviceRecordsThatFitAreStored) {
+  const struct {
+    const char* overrides; ///< the second of three records, but for the first two rows
+    std::uint32_t stored;
+  } rows[] = {
+      {R"({"class": "VRXDSM_DEVICE_INFO_LIST", "property": "List", "length": 0})", 0},
+      {R"({"class": "VRXDSM_DEVICE_INFO_LIST", "property": "List", "length": 300})", 255},
+      {R"({"class": "VRXDSM_DEVICE_INFO", "property": "Buffer", "index": 1, "length": 61})", 1},
+      {R"({"class": "VRXDSM_DEVICE_INFO", "property": "Buffer", "index": 1, "null": true})", 3},
+      {R"({"class": "VRXDSM_DEVICE_INFO", "property": "Size", "index": 1, "null": true})", 1},
+      {R"({"class": "VRXDSM_DEVICE_INFO", "property": "Size", "index": 1, "value": 71, "type": "uint32"})", 1},
+      {R"({"class": "VRXDSM_DEVICE_INFO", "property": "Size", "index": 1, "value": 59, "type": "uint32"})", 1},
+      {R"({"class": "VRXDSM_DEVICE_INFO", "property": "Buffer", "index": 1, "null": true},
+          {"class": "VRXDSM_DEVICE_INFO", "property": "Size", "index": 1, "null": true})",
+       3},
+      {R"({"class": "VRXDSM_DEVICE_INFO", "property": "Buffer", "index": 1, "null": true},
+          {"class": "VRXDSM_DEVICE_INFO", "property": "Size", "index": 1, "value": 71, "type": "uint32"})",
+       1},
+  };
+  for (const auto& row : rows) {
+    Open(std::string(R"("overrides": [)") + row.overrides + "]");
+    Collect();
+    EXPECT_EQ(gDevInfoCount, row.stored) << row.overrides;
   }
 }
 
-TEST_F(Collection, AllocationFailuresThatAreOnlyTraced) {
-  Open(R"([{"operation": "AllocateStore", "target": "gModuleName", "give": "out of memory"}])");
-  EXPECT_NE(TraceOfCollect(0).find("gModuleName array - Cannot allocate memory!\n"
-                                   "failure in initialization of Module Array.\n"),
-            std::string::npos);
-  Open(R"([{"operation": "AllocateStore", "target": "gInterfaceTypes", "give": "out of memory"}])");
-  EXPECT_NE(TraceOfCollect(0).find("Could not allocate memory for interface type array.\n"), std::string::npos);
+/// A second collection in the same run: what the first left must not show through.
+TEST_F(Collection, ShortRecordsAreFollowedByZerosAtTheirOwnPlaces) {
+  std::string rules;
+  const auto add = [&rules](const std::string& record, int occurrence, const std::string& property,
+                            const std::string& value) {
+    rules += (rules.empty() ? "" : ",") + (R"({"class": ")" + record + R"(", "occurrence": )") +
+             std::to_string(occurrence) + R"(, "property": ")" + property + "\", " + value + "}";
+  };
+  const auto addBytes = [&add](const std::string& record, int occurrence, std::size_t size, const std::string& byte) {
+    std::string bytes;
+    for (std::size_t i = 0; i < size; ++i) {
+      bytes += byte;
+    }
+    add(record, occurrence, "Size", R"("type": "uint32", "value": )" + std::to_string(size));
+    add(record, occurrence, "Buffer", R"("bytes": ")" + bytes + "\"");
+  };
+  const std::string controller = "VRXDSM_TARGET_PORT_GROUP_CONTROLLER";
+  const std::string lun = "VRXDSM_MULTIPATH_DEVICE";
+  const std::string device = "VRXDSM_DEVICE_INFO";
+  addBytes(controller, 1, 7338, "ee");
+  addBytes(controller, 2, 7329, "ee");
+  addBytes(controller, 3, 22, "01");
+  addBytes(controller, 4, 20, "02");
+  for (const int first : {1, 2, 3}) {
+    addBytes(lun, first, 3000, "ee");
+    addBytes(device, first, 70, "ee");
+  }
+  addBytes(lun, 4, 93, "03");
+  addBytes(lun, 5, 2126, "04");
+  addBytes(lun, 6, 93, "05");
+  addBytes(device, 4, 60, "06");
+  add(device, 5, "Buffer", R"("null": true)");
+  addBytes(device, 6, 1, "07");
+  Open("\"overrides\": [" + rules + "]");
+  Collect();
+  EXPECT_EQ(StoredController(1).designation, 0xEE);
+  Collect();
+
+  EXPECT_EQ(StoredController(0).designation, 1);
+  EXPECT_EQ(StoredController(0).paths[31].pathId, 0U);
+  EXPECT_EQ(StoredController(1).numberOfPaths, 2);
+  EXPECT_EQ(StoredController(1).designation, 0);
+  EXPECT_EQ(gTpgRecordSize, 20U);
+  EXPECT_EQ(StoredLun(0).numberOfPaths, 3);
+  EXPECT_EQ(StoredLun(0).loadBalancePolicy, 0);
+  EXPECT_EQ(StoredLun(1).paths[31].internalState, 0x04040404U);
+  EXPECT_EQ(StoredLun(2).paths[31].internalState, 0U);
+  const auto deviceByte = [](std::size_t record, std::size_t byte) { return gDevInfoBuffer[70 * record + byte]; };
+  EXPECT_EQ(deviceByte(0, 59), 6);
+  EXPECT_EQ(deviceByte(0, 60), 0);
+  EXPECT_EQ(deviceByte(1, 0), 0);
+  EXPECT_EQ(deviceByte(2, 0), 7);
+  EXPECT_EQ(deviceByte(2, 1), 0);
+  EXPECT_EQ(gDevInfoRecordSize, 1U);
 }
 
 } // namespace
