@@ -24,6 +24,7 @@ namespace fs = std::filesystem;
 /// Runs a program in `directory` with its standard output thrown away and its standard error in the file "errors".
 void RunProcess(const fs::path& directory, std::vector<std::string> words) {
   std::vector<char*> pointers;
+  pointers.reserve(words.size() + 1);
   for (std::string& word : words) {
     pointers.push_back(word.data());
   }
