@@ -177,8 +177,8 @@ TEST_F(WmiFailuresTest, Requests) {
     OrbWmiVariant level;
     OrbWmiVariant before;
     OrbWmiRequest request;
-    EXPECT_EQ(level.CopyVariant(NumberValue(1)->get()), kWmiSuccess);
-    wmiReturn status = request.MethodRequest(L"SetLevel", &m_class);
+    wmiReturn status = level.CopyVariant(NumberValue(1)->get());
+    status = status == kWmiSuccess ? request.MethodRequest(L"SetLevel", &m_class) : status;
     status = status == kWmiSuccess ? request.AddInputParameter(L"Level", &level) : status;
     status = status == kWmiSuccess ? request.AddOutputParameter(L"Before", &before) : status;
     return status == kWmiSuccess ? request.ExecMethod(&m_lamp) : status;
@@ -188,8 +188,8 @@ TEST_F(WmiFailuresTest, Requests) {
     const wmiReturn status = request.QueryRequest(L"Select * From Meta_Class Where __SUPERCLASS = \"\"", m_connection);
     return status == kWmiSuccess ? Querying(request)() : status;
   };
-  EXPECT_EQ(Swept(call), " ExecMethod:910 Get:911,910 Put:91 SpawnInstance:911,911 GetMethod:910 SysAllocString:4,4,4 "
-                         "AllocateStore:4,4,4,4,4");
+  EXPECT_EQ(Swept(call), " ExecMethod:910 Get:911,910 Put:91 SpawnInstance:911,911 GetMethod:910 VariantCopy:1 "
+                         "SysAllocString:4,4,4 AllocateStore:4,4,4,4,4");
   EXPECT_EQ(Swept(query), " ExecQuery:911 SysAllocString:4!,4! AllocateStore:4,4,4");
 }
 
