@@ -37,7 +37,8 @@ std::uint32_t GetRdacInfo(std::uint32_t /*requestCode*/, void* argument, OrbWmiV
   OrbWmiVariant controllerInfo;
   OrbWmiVariant diskInfo;
   TracePrint("GetModuleInfo\n");
-  if (!SendForModule(request::kGetModuleInfo, request.moduleId, moduleInfo)) {
+  request.isModuleTold = SendForModule(request::kGetModuleInfo, request.moduleId, moduleInfo);
+  if (!request.isModuleTold) {
     return 1;
   }
   TracePrint("GetControllerInfo\n");

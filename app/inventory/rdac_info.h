@@ -218,6 +218,8 @@ struct RdacInfoRequest {
   std::array<char, 37> moduleName = {};
   /// How much of `moduleName` may be used, terminator included.
   std::uint32_t moduleNameRoom = 37;
+  /// Whether the DSM has answered the first of the module's requests: there is such a module.
+  bool isModuleTold = false;
 };
 
 } // namespace korvex

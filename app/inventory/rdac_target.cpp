@@ -14,6 +14,8 @@
 
 namespace korvex {
 
+bool gTargetIsAbsent = false;
+
 namespace {
 
 /// Room for a name that goes into the module tables: 31 characters and a terminator.
@@ -73,6 +75,7 @@ int GetRdacInfoForTarget(std::uint32_t moduleId, RdacInfoRequest& request) {
 }
 
 int utilGetTargetName(std::uint32_t moduleId, std::span<std::uint8_t> interfaceTypes) {
+  gTargetIsAbsent = false;
   if (!utilDetermineBusFd()) {
     PrintError("Unable to determine virtual bus!!\n");
     return 0;
@@ -91,6 +94,7 @@ int utilGetTargetName(std::uint32_t moduleId, std::span<std::uint8_t> interfaceT
   TracePrint("Send RdacInfo request to target %d. \n", static_cast<int>(moduleId));
   if (Ioctl(request::kGetRdacInfo, &request) == kIoctlFailed) {
     TracePrint("Unable to send ioctl request - %s!\n", RuntimeErrorText());
+    gTargetIsAbsent = !request.isModuleTold;
     return 0;
   }
   BoundedCopy(gModuleName, kModuleNameSlot, request.moduleName.data());

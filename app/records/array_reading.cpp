@@ -4,6 +4,7 @@
 #include "app/cli/console/run_state.h"
 #include "app/inventory/gen1_inventory.h"
 #include "app/inventory/gen2_inventory.h"
+#include "app/inventory/limits.h"
 
 #include <algorithm>
 
@@ -25,12 +26,18 @@ void SelectArrayQuietly(std::uint32_t index) {
 }
 
 bool ReadArrayByIndex(std::uint32_t index) {
+  // What an answer without an array leaves in place must not pass for its WWN.
+  std::fill_n(gModuleWWN, kModuleWwnSlot, std::uint8_t{0});
   if (InterfaceGeneration() != 2) {
     return utilGetTargetName(index) == 1;
   }
   SelectArrayQuietly(index);
   gStatusScanActive = false;
-  return GetDsmArrayInfo() == 1;
+  return GetDsmArrayInfo() == 1 && IsArrayNamed();
+}
+
+bool IsArrayNamed() {
+  return std::any_of(gModuleWWN, gModuleWWN + kModuleWwnSlot, [](std::uint8_t byte) { return byte != 0; });
 }
 
 std::uint64_t IndexesFor(std::uint32_t count) {

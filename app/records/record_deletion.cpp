@@ -1,10 +1,12 @@
 #include "app/records/record_deletion.h"
 
+#include "app/channel/channel.h"
 #include "app/cli/console/bounded_text.h"
 #include "app/cli/console/error_text.h"
 #include "app/cli/console/print.h"
 #include "app/cli/console/run_state.h"
 #include "app/cli/console/trace.h"
+#include "app/inventory/gen1_inventory.h"
 #include "app/inventory/limits.h"
 #include "app/records/array_reading.h"
 #include "app/records/file_helpers.h"
@@ -75,6 +77,41 @@ void DeleteFilesByName(const WwnFileList& records) {
   }
 }
 
+/// Marks the file of the array with this index; false when there is none, or when its WWN cannot be read.
+bool MarkArray(std::uint32_t index, WwnFileList& records) {
+  if (!ReadArrayByIndex(index)) {
+    TracePrint("No Array found !\n");
+  }
+  if (!IsArrayNamed()) {
+    return false;
+  }
+  FormWwnFileName();
+  records.MarkSeen(gWwnFileName);
+  return true;
+}
+
+/// Generation 2, whose DSM says how many arrays there are; false when not all of them were found.
+bool MarkArrays(WwnFileList& records) {
+  const std::uint32_t arrays = MaxArrayModules;
+  std::uint32_t found = 0;
+  for (std::uint64_t place = 0; place < IndexesFor(arrays) && found < arrays; ++place) {
+    if (MarkArray(static_cast<std::uint32_t>(place), records)) {
+      ++found;
+    }
+  }
+  return found == arrays;
+}
+
+/// Generation 1, whose DSM says how many modules there may be; false when there is one that cannot be read.
+bool MarkModules(WwnFileList& records) {
+  bool areAllRead = true;
+  for (std::uint32_t index = 0; index < MaxArrayModules; ++index) {
+    const bool isMarked = MarkArray(index, records);
+    areAllRead = areAllRead && (isMarked || gTargetIsAbsent);
+  }
+  return areAllRead;
+}
+
 /// 1, or the result of the set-up after a trace line.
 int SetUpModuleArrays() {
   if (gModuleName != nullptr && gModuleWWN != nullptr) {
@@ -109,18 +146,12 @@ int utilDeleteWWNFile(const char* fullPath) {
 
 bool utilMarkPresentArrays(WwnFileList& records) {
   if (GetMaxArrayModules() != 1 || (MaxArrayModules == 0 && gArrayCountFailed)) {
+    PrintError("Unable to determine number of connected arrays!!\n");
     return false;
   }
-  const std::uint32_t arrays = MaxArrayModules;
-  std::uint32_t found = 0;
-  for (std::uint64_t place = 0; place < IndexesFor(arrays) && found < arrays; ++place) {
-    if (!ReadArrayByIndex(static_cast<std::uint32_t>(place))) {
-      TracePrint("No Array found !\n");
-      continue;
-    }
-    ++found;
-    FormWwnFileName();
-    records.MarkSeen(gWwnFileName);
+  if (!(InterfaceGeneration() == 2 ? MarkArrays(records) : MarkModules(records))) {
+    PrintError("Unable to read all connected arrays!!\n");
+    return false;
   }
   return true;
 }
@@ -146,7 +177,6 @@ int utilDeleteMissingWWNFiles() {
     return made;
   }
   if (!utilMarkPresentArrays(records)) {
-    PrintError("Unable to determine number of connected arrays!!\n");
     return 0;
   }
   DeleteFilesOfMissing(records);

@@ -15,7 +15,7 @@ int utilDeleteMissingWWNFiles();
 /// Deletes one file; 0, or -1 after a message.
 int utilDeleteWWNFile(const char* fullPath);
 
-/// Marks the files of the arrays that the DSM reports; false when it cannot be told which those are.
+/// Marks the files of the arrays that the DSM reports; false, after a message, when it cannot be told which those are.
 bool utilMarkPresentArrays(WwnFileList& records);
 
 } // namespace korvex

@@ -7,17 +7,27 @@
 #include "app/records/record_writer.h"
 #include "app/records/status_merge.h"
 #include "app/records/status_report.h"
+#include "platform/error.h"
 
 namespace korvex {
 
 namespace {
 
-void MakeRecord(const char* path, const UtilStatusInfo& current) {
+/// False when a file with content is there after all, whose paths must not be lost: the check for it failed, or another
+/// run has just made it. Nothing is written then.
+bool MakeRecord(const char* path, const UtilStatusInfo& current) {
   RecordFile file;
-  if (vrx_OpenFile(path, file) && utilWriteWWNFile(file, current)) {
+  if (!vrx_OpenFile(path, file)) {
+    return true;
+  }
+  if (GetLastError() == ERROR_ALREADY_EXISTS && vrx_SetFilePointer(file, 0, FILE_END) != 0) {
+    return false;
+  }
+  if (utilWriteWWNFile(file, current)) {
     vrx_CloseFile(file);
     utilPrintArrayStatus(current);
   }
+  return true;
 }
 
 /// Reads what has been recorded; false after a message.
@@ -50,8 +60,7 @@ void WriteRecord(const char* path, const UtilStatusInfo& stored) {
 bool UpdateRecord(UtilStatusInfo& current) {
   char path[VRX_MAX_PATH];
   FormFullPath(gWwnFileName, path);
-  if (!vrxUtilSys_DoesWwnDirPathFileExist()) {
-    MakeRecord(path, current);
+  if (!vrxUtilSys_DoesWwnDirPathFileExist() && MakeRecord(path, current)) {
     return true;
   }
   UtilStatusInfo stored;
