@@ -45,14 +45,26 @@ function(korvex_platform_room)
   endif()
 endfunction()
 
-# The simulated host, which gives the POSIX platform its machine.
+# The simulated host: it gives the POSIX platform its machine; on Windows it is a COM server that stands in for WMI.
 function(korvex_simulated_host)
-  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/simhost/*.cpp")
-  find_package(nlohmann_json REQUIRED)
-  add_library(simhost STATIC ${sources})
+  if(WIN32)
+    file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/simhost/*.cpp" "${CMAKE_SOURCE_DIR}/simhost/windows/*.cpp")
+    add_library(simhost SHARED ${sources})
+    set_target_properties(simhost PROPERTIES PREFIX "")
+    target_link_options(simhost PRIVATE -static)
+    target_link_libraries(simhost PRIVATE korvex_platform)
+    # Of the build machine's headers the cross compiler may see this library's alone.
+    file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/include")
+    file(CREATE_LINK /usr/include/nlohmann "${CMAKE_BINARY_DIR}/include/nlohmann" SYMBOLIC)
+    target_include_directories(simhost SYSTEM PRIVATE "${CMAKE_BINARY_DIR}/include")
+  else()
+    file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/simhost/*.cpp" "${CMAKE_SOURCE_DIR}/simhost/posix/*.cpp")
+    find_package(nlohmann_json REQUIRED)
+    add_library(simhost STATIC ${sources})
+    target_link_libraries(simhost PUBLIC korvex_platform PRIVATE nlohmann_json::nlohmann_json)
+  endif()
   set_target_properties(simhost PROPERTIES LINKER_LANGUAGE CXX)
   korvex_compile_options(simhost)
-  target_link_libraries(simhost PUBLIC korvex_platform PRIVATE nlohmann_json::nlohmann_json)
 endfunction()
 
 # Links the machine that the platform runs on: the simulated host off Windows, nothing on it.

@@ -94,8 +94,8 @@ void BuildInterfaceVersion(const Node& version, Host& host) {
   }
   CimClass definition;
   definition.name = L"VRXDSM_MOF";
-  definition.properties = {Key(L"InstanceName"), Property(L"Active", CIM_BOOLEAN),
-                           Property(L"MofFileVersion", answers->empty() ? CIM_STRING : answers->front().type)};
+  const CIMTYPE type = answers->empty() ? CIMTYPE{CIM_STRING} : answers->front().type;
+  definition.properties = {Key(L"InstanceName"), Property(L"Active", CIM_BOOLEAN), Property(L"MofFileVersion", type)};
   host.repository.AddClass(std::move(definition), std::make_shared<VersionProvider>(std::move(*answers)));
 }
 

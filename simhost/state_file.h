@@ -41,7 +41,7 @@ public:
 
 private:
   std::string m_path;
-  int m_file = -1;
+  std::intptr_t m_file = -1; ///< the system's descriptor or handle
 };
 
 } // namespace simhost

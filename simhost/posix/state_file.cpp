@@ -111,23 +111,26 @@ std::string ReadStateFile(const std::string& path, std::uint64_t offset) {
 }
 
 LockedStateFile::LockedStateFile(const std::string& path) : m_path(path) {
-  while (m_file < 0) {
-    m_file = TryLock(path);
+  int file = -1;
+  while (file < 0) {
+    file = TryLock(path);
   }
+  m_file = file;
 }
 
 LockedStateFile::~LockedStateFile() {
-  close(m_file);
+  close(static_cast<int>(m_file));
 }
 
 void LockedStateFile::WriteAt(std::uint64_t offset, std::string_view text) {
-  if (ftruncate(m_file, static_cast<off_t>(offset)) != 0) {
+  const int file = static_cast<int>(m_file);
+  if (ftruncate(file, static_cast<off_t>(offset)) != 0) {
     Fail(m_path, "cut");
   }
-  if (!WriteWhole(m_file, text, offset)) {
+  if (!WriteWhole(file, text, offset)) {
     const int code = errno;
     // What could not be cut off again is a truncated last line, which every reader passes over.
-    [[maybe_unused]] const int ignored = ftruncate(m_file, static_cast<off_t>(offset));
+    [[maybe_unused]] const int ignored = ftruncate(file, static_cast<off_t>(offset));
     errno = code;
     Fail(m_path, "write");
   }

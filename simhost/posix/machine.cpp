@@ -1,6 +1,7 @@
 #include "simhost/machine.h"
 
 #include "platform/error.h"
+#include "simhost/host_files.h"
 #include "simhost/services.h"
 #include "simhost/statistics.h"
 #include "simhost/text.h"
@@ -119,13 +120,6 @@ private:
   std::shared_ptr<Host> m_host;
 };
 
-/// Says why the machine cannot be made, in one line, and ends the process.
-[[noreturn]] void Refuse(const std::string& reason) {
-  std::fputs((reason + "\n").c_str(), stderr);
-  std::fflush(stderr);
-  std::_Exit(2);
-}
-
 std::wstring RealComputerName() {
   char name[256] = {};
   if (gethostname(name, sizeof name - 1) != 0) {
@@ -133,51 +127,6 @@ std::wstring RealComputerName() {
   }
   const std::string_view whole(name);
   return WideFromUtf8(whole.substr(0, whole.find('.')));
-}
-
-std::string ReadDescription(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file || std::filesystem::is_directory(path)) {
-    Refuse("host.json: cannot be read");
-  }
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-std::shared_ptr<Host> HostOfDirectory(const std::filesystem::path& directory) {
-  const std::filesystem::path description = directory / "host.json";
-  if (!std::filesystem::exists(description)) {
-    return MakeBareHost(RealComputerName());
-  }
-  try {
-    return ReadHost(ReadDescription(description), (directory / "host.state.jsonl").string());
-  } catch (const StateError& error) {
-    Refuse(error.what());
-  } catch (const std::exception& error) {
-    Refuse(std::string("host.json: ") + error.what());
-  }
-}
-
-/// The audit's file; never destroyed, as it is written at the very end.
-std::string& AuditPath() {
-  static std::string& path = *new std::string;
-  return path;
-}
-
-void WriteAudit() {
-  try {
-    std::ofstream file(AuditPath(), std::ios::app | std::ios::binary);
-    file << AuditReport().Write() << '\n';
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "host.audit: %s\n", error.what());
-  }
-}
-
-void PrepareAudit(const std::filesystem::path& directory) {
-  const std::filesystem::path path = directory / "host.audit";
-  if (std::filesystem::exists(path) && AuditPath().empty()) {
-    AuditPath() = path.string();
-    std::atexit(WriteAudit);
-  }
 }
 
 /// The listing's file and the host whose registry it lists; never destroyed, as they are used at the very end.
@@ -218,7 +167,7 @@ std::unique_ptr<platform::Machine> MakeSimulatedMachine(std::shared_ptr<Host> ho
 std::unique_ptr<platform::Machine> platform::MakeMachine() {
   try {
     const std::filesystem::path directory = ExecutableDirectory();
-    const std::shared_ptr<simhost::Host> host = simhost::HostOfDirectory(directory);
+    const std::shared_ptr<simhost::Host> host = simhost::HostOfDirectory(directory, simhost::RealComputerName());
     simhost::PrepareAudit(directory);
     simhost::PrepareRegistryListing(directory, host);
     return simhost::MakeSimulatedMachine(host);
