@@ -57,6 +57,7 @@ public:
     if (outer != nullptr) {
       return CLASS_E_NOAGGREGATION;
     }
+    const CallScope scope;
     try {
       auto* locator = new Locator(simhost::TheHost());
       const HRESULT result = locator->QueryInterface(riid, object);

@@ -65,7 +65,7 @@ def runs_of(file, options):
     launcher = Launcher(options.binary, options.timeout)
     for number, case in enumerate(parse(file.read_text())):
         scenes = [Scene(place / str(number) / name, launcher, options.hosts) for name in ("apart", "together")]
-        for step in case.steps:
+        for step in launcher.program.possible(case.steps):
             try:
                 if isinstance(step, Command):
                     yield case, step, run_twice(step, *scenes)
@@ -111,7 +111,7 @@ def rewrite(file, options):
         after += before[copied:command.line - 1] + block_of(command, run, before[command.line - 1])
         copied = command.last
         leaks += [f"{file}:{command.line}: {problem}"
-                  for problem in audit_problems(run.accounts, run.apart.status)]
+                  for problem in audit_problems(run.accounts, run.apart.status, run.scene.program)]
     after += before[copied:]
     file.write_text("\n".join(after) + "\n")
     return list(difflib.unified_diff(before, after, f"{file} (before)", f"{file} (rewritten)", lineterm="")) + leaks

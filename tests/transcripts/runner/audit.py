@@ -15,9 +15,9 @@ _MAY_REMAIN = {
 _REFUSED = 2
 
 
-def audit_problems(accounts, status):
+def audit_problems(accounts, status, program):
     """What is wrong with the accounts of one run with this exit status: each leak, or that there is not just one account."""
-    if status == _REFUSED and not accounts:
+    if not accounts and (status == _REFUSED or not program.must_account()):
         return []
     if len(accounts) != 1:
         return [f"{len(accounts)} audit lines where the host writes one"]

@@ -23,7 +23,8 @@ def block_of(command, run, command_line):
         content = run.scene.read(name)
         lines.append(f"left {quoted}{_KINDS.get(content, '')}")
         lines += [] if content in _KINDS else [encode_line(">", line) for line in split_lines(content)]
-    return lines + [f"calls {operation} {calls(run.accounts, operation)}" for operation in command.calls]
+    lines += [f"calls {operation} {calls(run.accounts, operation)}" for operation in command.calls]
+    return lines + ([f"simulated {command.simulated}"] if command.simulated else [])
 
 
 def _fold(lines):

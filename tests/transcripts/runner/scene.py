@@ -4,14 +4,12 @@ import json
 import shutil
 
 from .host_edit import edit, merge_patch
-from .launch import PROGRAM
 from .notation import TranscriptError, to_bytes
 from .transcript import ABSENT, DIRECTORY, split_words
 
 HOST = "host.json"
 AUDIT = "host.audit"
 STATE = "host.state.jsonl"
-SHOWN = "C:\\korvex"  # what stands for the directory where the program names it
 
 
 class Scene:
@@ -22,6 +20,7 @@ class Scene:
         directory.mkdir(parents=True)
         launcher.lay(directory)
         self.directory = directory
+        self.program = launcher.program
         self._launcher = launcher
         self._host_directories = host_directories
 
@@ -39,8 +38,6 @@ class Scene:
         """Runs a command; gives its outcome and the host's accounts of it."""
         (self.directory / AUDIT).write_bytes(b"")
         outcome = self._launcher.run(self.directory, words, typed, together)
-        own = str(self.directory.resolve()).replace("/", "\\")
-        outcome = outcome._replace(output=outcome.output.replace(own, SHOWN), errors=outcome.errors.replace(own, SHOWN))
         return outcome, [json.loads(line) for line in (self.directory / AUDIT).read_text().splitlines()]
 
     def read(self, name):
@@ -54,7 +51,7 @@ class Scene:
         """All that stands in the directory and is not the scenery itself, by name."""
         names = [str(path.relative_to(self.directory)) for path in self.directory.rglob("*")]
         return {name: self.read(name) for name in names
-                if name not in (PROGRAM, HOST, AUDIT) and not name.startswith(STATE)}
+                if name not in (*self.program.files, HOST, AUDIT) and not name.startswith(STATE)}
 
     def _path(self, name):
         path = self.directory / to_bytes(name).decode("utf-8", "surrogateescape")
@@ -67,6 +64,10 @@ class Scene:
         if len(words) != 1:
             raise TranscriptError("one name is needed")
         return self._path(words[0])
+
+    def _set_simulated(self, reason):
+        if not reason:
+            raise TranscriptError("what only the simulated machine has must be said")
 
     def _set_host(self, name):
         if name == "none":

@@ -44,6 +44,7 @@ class Command:
     left: dict = dataclasses.field(default_factory=dict)
     calls: dict = dataclasses.field(default_factory=dict)
     repeats: list = dataclasses.field(default_factory=list)
+    simulated: str = ""
 
     def expected(self, streams):
         """All that is printed on these streams, in the order of events."""
@@ -71,6 +72,8 @@ class Command:
         elif word == "calls":
             operation, count = rest.split()
             self.calls[operation] = int(count)
+        elif word == "simulated" and rest:
+            self.simulated = rest
         else:
             raise TranscriptError(f"'{word}' is no part of what a command does")
 
