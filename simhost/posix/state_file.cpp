@@ -1,4 +1,5 @@
 #include "simhost/state_file.h"
+
 #include "simhost/state_log.h"
 
 #include <cerrno>

@@ -12,7 +12,7 @@ LiveObjects CountLiveObjects() {
   return {};
 }
 
-void VisitLiveStores(void (* /*visit*/)(const char* storeName, std::uint64_t count, void* context),
-                     void* /*context*/) {}
+void VisitLiveStores(void (* /*visit*/)(const char* storeName, std::uint64_t count, void* context), void* /*context*/) {
+}
 
 } // namespace platform

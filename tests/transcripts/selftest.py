@@ -14,7 +14,8 @@ from unittest import mock
 
 import run
 from runner.notation import TranscriptError, decode_line, encode_line
-from runner.transcript import split_words
+from runner.transcript import parse, split_words
+from runner.windows import WindowsProgram
 
 STAND_IN = f"""#!{sys.executable} -IS
 import json, os, sys
@@ -147,6 +148,29 @@ class Replaying(unittest.TestCase):
         self.assertIn("+| ready\\s", shown)
         wanted = HOLDS.replace("range(4)", "range(40)").replace("repeat 4\n", "repeat 40\n")
         self.assertEqual(self.file.read_text().strip(), wanted.strip())
+
+
+class OnWindows(unittest.TestCase):
+    def setUp(self):
+        self.program = WindowsProgram(pathlib.Path("build/korvex.exe"), "C:\\korvex")
+
+    def test_what_only_the_simulated_machine_has_is_passed_over(self):
+        case, other = parse("== One\n$ a 1\nexit 0\nsimulated x\n\n$ a 2\nexit 0\n\nsimulated y\n$ a 3\n== Two\n$ a 4\n")
+        self.assertEqual([step.words for step in self.program.possible(case.steps)], [["a", "2"]])
+        self.assertEqual([step.words for step in self.program.possible(other.steps)], [["a", "4"]])
+        with self.assertRaises(TranscriptError):
+            parse("$ a\nexit 0\nsimulated\n")
+
+    def test_only_what_the_machine_changes_is_hidden(self):
+        printed = ("Usage: Z:\\d\\korvex.exe\r\nZ:\\d\\x: Access denied.\r\r\nAccess denied.\r\nHostname    = a\r\n"
+                   "Hostnames = a\r\n")
+        shown = self.program.shown(printed, pathlib.Path("/d"))
+        self.assertEqual(shown, "Usage: korvex\nC:\\korvex\\x: Access is denied.\r\nAccess denied.\nHostname    = a\nHostnames = a\n")
+        self.assertTrue(self.program.comparable(shown).endswith(".\nHostname    =\nHostnames = a\n"))
+
+    def test_words_arrive_in_the_ansi_code_page(self):
+        words = self.program.words(pathlib.Path("/d"), ["korvex", "a\xe9\x80\x81"])[1]
+        self.assertEqual(words[-1].decode(), "a\u00e9\u20ac\u0081")
 
 
 class Notation(unittest.TestCase):

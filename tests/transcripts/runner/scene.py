@@ -10,6 +10,7 @@ from .transcript import ABSENT, DIRECTORY, split_words
 HOST = "host.json"
 AUDIT = "host.audit"
 STATE = "host.state.jsonl"
+KEPT_REGISTRY = "host.registry.kept"  # where the system's own registry is carried from one run to the next
 
 
 class Scene:
@@ -51,7 +52,7 @@ class Scene:
         """All that stands in the directory and is not the scenery itself, by name."""
         names = [str(path.relative_to(self.directory)) for path in self.directory.rglob("*")]
         return {name: self.read(name) for name in names
-                if name not in (*self.program.files, HOST, AUDIT) and not name.startswith(STATE)}
+                if name not in (*self.program.files, HOST, AUDIT) and not name.startswith((STATE, "host.registry"))}
 
     def _path(self, name):
         path = self.directory / to_bytes(name).decode("utf-8", "surrogateescape")
@@ -70,6 +71,7 @@ class Scene:
             raise TranscriptError("what only the simulated machine has must be said")
 
     def _set_host(self, name):
+        self._forget_registry()
         if name == "none":
             (self.directory / HOST).unlink(missing_ok=True)
             return
@@ -93,11 +95,18 @@ class Scene:
     def _read_host(self):
         return json.loads((self.directory / HOST).read_text())
 
+    def _forget_registry(self):
+        (self.directory / KEPT_REGISTRY).unlink(missing_ok=True)
+
     def _write_host(self, host):
+        if host.get("registry") != self._read_host().get("registry"):
+            self._forget_registry()
         (self.directory / HOST).write_text(json.dumps(host, indent=2) + "\n")
 
     def _set_file(self, text, content):
         path = self._named(text)
+        if path.name == STATE:
+            self._forget_registry()
         path.parent.mkdir(parents=True, exist_ok=True)
         path.write_bytes(to_bytes(content))
 
@@ -106,6 +115,8 @@ class Scene:
 
     def _set_remove(self, text):
         path = self._named(text)
+        if path.name == STATE:
+            self._forget_registry()
         if path.is_dir():
             shutil.rmtree(path)
         else:

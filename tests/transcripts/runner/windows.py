@@ -1,16 +1,21 @@
 """The program for Windows, run under Wine over the simulated host as a COM server, and what differs there."""
 
+import fcntl
 import itertools
 import os
+import pathlib
 import re
 import shutil
+import subprocess
 
-from .notation import to_bytes
+from .notation import TranscriptError, to_bytes
 
 _PASSED_ON = ("HOME", "WINEPREFIX", "WINEARCH", "WINEDEBUG", "WINEDLLOVERRIDES")
 
 # The operating system's wording, and Wine's for the same code.
 _SYSTEM_MESSAGES = {
+    "The system cannot find the file specified.": "File not found.",
+    "More data is available.": "More data available.",
     "Access is denied.": "Access denied.",
 }
 
@@ -22,6 +27,9 @@ _RUNTIME_MESSAGES = {
 # The operations whose calls the host sees there; the others are the operating system's own.
 _COUNTED = ("ConnectServer", "ExecMethod")
 
+# Words with an option that reads or changes the registry.
+_OF_THE_REGISTRY = re.compile(r"-[A-Za-z]*[oR]")
+
 # Lines that tell of the machine and of the time.
 _OF_THE_MACHINE = re.compile(r"^((?:Hostname|Domainname|Time) +=) .*$", re.MULTILINE)
 
@@ -31,6 +39,7 @@ class WindowsProgram:
 
     def __init__(self, binary, shown):
         self.files = {"korvex.exe": binary, "simhost.dll": binary.with_name("simhost.dll")}
+        self._registry_exchange = binary.with_name("registry_exchange.exe")
         self._shown = shown
 
     def possible(self, steps):
@@ -45,7 +54,23 @@ class WindowsProgram:
         return {"LC_ALL": "C.UTF-8"} | {name: os.environ[name] for name in _PASSED_ON if name in os.environ}
 
     def enter(self, directory, words):
-        return lambda: None
+        if not any(_OF_THE_REGISTRY.match(word) for word in words[1:]):
+            return lambda: None
+        # One registry serves all runs of the prefix.
+        lock = open(pathlib.Path(os.environ["WINEPREFIX"], "korvex.lock"), "w", encoding="ascii")
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        self._exchange("enter", directory)
+
+        def leave():
+            with lock:
+                self._exchange("leave", directory)
+        return leave
+
+    def _exchange(self, action, directory):
+        ended = subprocess.run(["wine", self._registry_exchange, action], cwd=directory, stdin=subprocess.DEVNULL,
+                               stderr=subprocess.PIPE, check=False)
+        if ended.returncode:
+            raise TranscriptError(ended.stderr.decode("utf-8", "replace").strip())
 
     def shown(self, text, directory):
         text = text.replace("\r\n", "\n").replace("Z:" + str(directory).replace("/", "\\"), self._shown)
