@@ -61,6 +61,8 @@ function(korvex_simulated_host)
     file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/include")
     file(CREATE_LINK /usr/include/nlohmann "${CMAKE_BINARY_DIR}/include/nlohmann" SYMBOLIC)
     target_include_directories(simhost SYSTEM PRIVATE "${CMAKE_BINARY_DIR}/include")
+    # It is not delivered there, and sooner compiled so.
+    target_compile_options(simhost PRIVATE -O1)
   else()
     find_package(nlohmann_json REQUIRED)
     target_link_libraries(simhost PRIVATE nlohmann_json::nlohmann_json)

@@ -60,7 +60,7 @@ def run(launcher, work, name, host, words, rule):
     scene.apply("host", host)
     scene.apply("patch", json.dumps({"faults": [rule] if rule else []}))
     outcome, accounts = scene.run(words)
-    problems = audit_problems(accounts, outcome.status)
+    problems = audit_problems(accounts, outcome.status, scene.program)
     if outcome.status not in STATUSES:
         problems.append(f"exit {outcome.status}")
     if "Sanitizer" in outcome.errors or "runtime error:" in outcome.errors:
