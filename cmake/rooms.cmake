@@ -6,7 +6,9 @@ function(korvex_compile_options target)
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wformat=2 -Wcast-qual -Wold-style-cast
     -Werror
     # GCC 12 takes a text put before a std::string for an overlapping copy (its bug 105651).
-    -Wno-restrict)
+    -Wno-restrict
+    # The same sources give the same program wherever they lie.
+    "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=")
   if(WIN32)
     # NOGDI keeps wingdi.h from renaming the COM method GetObject.
     target_compile_definitions(${target} PRIVATE WIN32_LEAN_AND_MEAN NOGDI NOMINMAX UNICODE _UNICODE
@@ -77,6 +79,15 @@ function(korvex_simulated_server)
   korvex_compile_options(simhost_server)
   target_link_options(simhost_server PRIVATE -static)
   target_link_libraries(simhost_server PRIVATE simhost)
+endfunction()
+
+# What korvex.exe tells of itself: its version, and that it runs with the rights of whoever starts it.
+function(korvex_windows_resources target)
+  enable_language(RC)
+  configure_file("${CMAKE_SOURCE_DIR}/app/resources/korvex.rc.in" "${CMAKE_BINARY_DIR}/korvex.rc" @ONLY)
+  set_property(SOURCE "${CMAKE_BINARY_DIR}/korvex.rc" PROPERTY
+    OBJECT_DEPENDS "${CMAKE_SOURCE_DIR}/app/resources/korvex.manifest")
+  target_sources(${target} PRIVATE "${CMAKE_BINARY_DIR}/korvex.rc")
 endfunction()
 
 # Links the machine that the platform runs on: the simulated host off Windows, nothing on it.
