@@ -46,13 +46,18 @@ void PrintPolicyAndTas(const RdacLun& lun) {
     Print("                        TASBitSet: %c\n", tas);
     return;
   }
-  Print("        LBPolicy: %s", name);
   if (lun.LoadBalancePolicy == 0) {
-    Print("                                TASBitSet: %c\n", tas);
+    Print("        LBPolicy: %s"
+          "                                TASBitSet: %c\n",
+          name, tas);
   } else if (lun.LoadBalancePolicy == 1) {
-    Print("                                 TASBitSet: %c\n", tas);
+    Print("        LBPolicy: %s"
+          "                                 TASBitSet: %c\n",
+          name, tas);
   } else {
-    Print("                                                                  TASBitSet: %c\n", tas);
+    Print("        LBPolicy: %s"
+          "                                                                  TASBitSet: %c\n",
+          name, tas);
   }
 }
 
