@@ -2,6 +2,7 @@
 #include "simhost/driver_model.h"
 #include "simhost/driver_provider.h"
 #include "simhost/host_sections.h"
+#include "simhost/registry_tree.h"
 
 #include <memory>
 #include <utility>

@@ -1,5 +1,6 @@
 #include "simhost/registry.h"
 
+#include "simhost/registry_tree.h"
 #include "simhost/registry_values.h"
 #include "simhost/text.h"
 
@@ -152,6 +153,8 @@ private:
   Place m_place;
 };
 
+Registry::Registry(StateLog& state) : m_state(state), m_described(std::make_shared<RegistryNode>()) {}
+
 void Registry::Start() {
   StartOver();
   m_state.Watch(std::string(kStatePrefix), *this);
@@ -163,7 +166,7 @@ std::shared_ptr<platform::RegistryKey> Registry::OpenRoot(std::shared_ptr<Regist
     const std::scoped_lock lock(self->m_lock);
     root = self->m_root;
   }
-  return std::make_shared<Key>(std::move(self), Place{std::move(root), {}});
+  return std::make_shared<Key>(std::move(self), Place{root, root, {}});
 }
 
 std::string Registry::Listing() {
@@ -176,9 +179,6 @@ std::string Registry::Listing() {
 
 void Registry::StartOver() {
   const std::scoped_lock lock(m_lock);
-  if (m_root != nullptr) {
-    m_root->MarkDeleted();
-  }
   m_root = m_described->Copy();
   m_stateKeys.clear();
 }
@@ -196,7 +196,7 @@ void Registry::Take(std::string_view key, const Json* value) {
   const std::scoped_lock lock(m_lock);
   m_stateKeys.insert_or_assign(CapitalName(path), std::string(key));
   const bool isDeleted = value->IfText() != nullptr && *value->IfText() == "deleted";
-  Place place{m_root, {}};
+  Place place{m_root, m_root, {}};
   if (isDeleted) {
     if (!components.empty() && Descend(place, {components.begin(), components.end() - 1}) + 1 == components.size()) {
       place.node->Remove(components.back());
@@ -212,26 +212,40 @@ void Registry::Take(std::string_view key, const Json* value) {
   TakeEntry(entry, *place.node);
 }
 
+/// Whether the key is there. One that was opened before the registry started over is found again by its path.
+bool Registry::IsThere(Place& place) const {
+  if (place.root != m_root && !place.node->isDeleted) {
+    Place again{m_root, m_root, {}};
+    const std::vector<std::wstring_view> components = PathComponents(place.path);
+    if (Descend(again, components) != components.size()) {
+      return false;
+    }
+    place.root = std::move(again.root);
+    place.node = std::move(again.node);
+  }
+  return !place.node->isDeleted;
+}
+
 /// Carries out what only reads, for a key that has not been deleted.
 template <class Read>
-DWORD Registry::Reading(const Place& place, Read read) {
+DWORD Registry::Reading(Place& place, Read read) {
   try {
     m_state.Refresh();
   } catch (const std::runtime_error&) {
     return ERROR_CANTREAD;
   }
   const std::scoped_lock lock(m_lock);
-  return place.node->isDeleted ? ERROR_KEY_DELETED : read();
+  return IsThere(place) ? read() : ERROR_KEY_DELETED;
 }
 
 /// Carries out what changes the registry; nothing has changed when it does not give ERROR_SUCCESS.
 template <class Change>
-DWORD Registry::Changing(const Place& place, Change change) {
+DWORD Registry::Changing(Place& place, Change change) {
   DWORD result = ERROR_SUCCESS;
   try {
     m_state.Update([&](StateChange& changes) {
       const std::scoped_lock lock(m_lock);
-      result = place.node->isDeleted ? ERROR_KEY_DELETED : change(changes);
+      result = IsThere(place) ? change(changes) : ERROR_KEY_DELETED;
     });
   } catch (const std::runtime_error&) {
     return ERROR_CANTWRITE;
@@ -239,7 +253,7 @@ DWORD Registry::Changing(const Place& place, Change change) {
   return result;
 }
 
-DWORD Registry::Open(const Place& from, std::wstring_view path, Place& opened) {
+DWORD Registry::Open(Place& from, std::wstring_view path, Place& opened) {
   if (path.starts_with(L'\\')) {
     return ERROR_BAD_PATHNAME;
   }
@@ -250,7 +264,7 @@ DWORD Registry::Open(const Place& from, std::wstring_view path, Place& opened) {
   });
 }
 
-DWORD Registry::Create(const Place& from, std::wstring_view path, Place& opened, bool& isNew) {
+DWORD Registry::Create(Place& from, std::wstring_view path, Place& opened, bool& isNew) {
   if (path.starts_with(L'\\')) {
     return ERROR_BAD_PATHNAME;
   }
@@ -276,7 +290,7 @@ DWORD Registry::Create(const Place& from, std::wstring_view path, Place& opened,
   return result == ERROR_SUCCESS ? Open(from, path, opened) : result;
 }
 
-DWORD Registry::WriteValue(const Place& place, std::wstring_view name, platform::RegistryValue value) {
+DWORD Registry::WriteValue(Place& place, std::wstring_view name, platform::RegistryValue value) {
   if (name.size() > kMaxValueName || !IsText(name)) {
     return ERROR_INVALID_PARAMETER;
   }
@@ -290,7 +304,7 @@ DWORD Registry::WriteValue(const Place& place, std::wstring_view name, platform:
   });
 }
 
-DWORD Registry::Delete(const Place& place) {
+DWORD Registry::Delete(Place& place) {
   return Changing(place, [&](StateChange& change) -> DWORD {
     if (place.path.empty() || !place.node->subkeys.empty()) {
       return ERROR_ACCESS_DENIED;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simhost/registry_tree.h"
+#include "platform/posix/machine.h"
 #include "simhost/state_log.h"
 
 #include <map>
@@ -13,6 +13,8 @@
 
 namespace simhost {
 
+struct RegistryNode;
+
 /// Most components of a path.
 inline constexpr std::size_t kMaxKeyDepth = 512;
 
@@ -23,7 +25,7 @@ inline constexpr std::size_t kMaxKeyDepth = 512;
 /// description would hold them, or "deleted". A key that was created says so.
 class Registry final : public StateWatcher {
 public:
-  explicit Registry(StateLog& state) : m_state(state) {}
+  explicit Registry(StateLog& state);
 
   /// The root as it is described, to be filled before Start.
   RegistryNode& Described() { return *m_described; }
@@ -43,24 +45,26 @@ private:
   class Key;
   /// Which key an operation is about.
   struct Place {
+    std::shared_ptr<RegistryNode> root; ///< of the tree that the node is in
     std::shared_ptr<RegistryNode> node;
     std::wstring path; ///< as written
   };
 
+  bool IsThere(Place& place) const;
   template <class Read>
-  DWORD Reading(const Place& place, Read read);
+  DWORD Reading(Place& place, Read read);
   template <class Change>
-  DWORD Changing(const Place& place, Change change);
+  DWORD Changing(Place& place, Change change);
 
-  DWORD Open(const Place& from, std::wstring_view path, Place& opened);
-  DWORD Create(const Place& from, std::wstring_view path, Place& opened, bool& isNew);
-  DWORD WriteValue(const Place& place, std::wstring_view name, platform::RegistryValue value);
-  DWORD Delete(const Place& place);
+  DWORD Open(Place& from, std::wstring_view path, Place& opened);
+  DWORD Create(Place& from, std::wstring_view path, Place& opened, bool& isNew);
+  DWORD WriteValue(Place& place, std::wstring_view name, platform::RegistryValue value);
+  DWORD Delete(Place& place);
   void Record(StateChange& change, const std::wstring& path, Json value) const;
 
   StateLog& m_state;
   std::mutex m_lock; ///< taken after the state log's own
-  std::shared_ptr<RegistryNode> m_described = std::make_shared<RegistryNode>();
+  std::shared_ptr<RegistryNode> m_described;
   std::shared_ptr<RegistryNode> m_root;
   std::map<std::wstring, std::string> m_stateKeys; ///< of the keys that were changed, by CapitalName of their paths
 };
