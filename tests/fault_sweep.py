@@ -37,9 +37,10 @@ STATUSES = {0, 1, 255}
 FAILED, DENIED, WIN32_FAILED = 0x80041001, 0x80041003, 8
 # Codes of these are no HRESULTs, and they hand out nothing that a success could leave out.
 PLAIN = {"GetComputerNameExW", "GetTimeFormatW", "GetDateFormatW", "FileTimeToSystemTime", "CM_Locate_DevNode_ExW",
-         "CM_Reenumerate_DevNode_Ex", "fopen", "CreateFileW", "DeviceIoControl"}
+         "CM_Reenumerate_DevNode_Ex", "fopen", "CreateFileW", "DeviceIoControl", "RegOpenKeyExW", "RegQueryInfoKeyW", "RegEnumKeyExW",
+         "RegSetValueExW", "RegDeleteKeyW", "RegCloseKey"}
 HANDING_OUT = {"ConnectServer", "GetObject", "CreateInstanceEnum", "ExecQuery", "ExecMethod", "Next", "Clone", "Get",
-               "SpawnInstance", "GetMethod", "NextMethod"}
+               "SpawnInstance", "GetMethod", "NextMethod", "RegOpenKeyExW"}
 
 
 def occurrences(count):
