@@ -115,6 +115,10 @@ TEST_F(Registry, ValuesAreKeptWithTheirTypes) {
     EXPECT_EQ(row.type, row.type == 0 ? 0 : type) << row.name;
   }
   EXPECT_EQ((std::vector<BYTE>{9, 8, 7, 6, 5}), std::vector<BYTE>(data, data + 5));
+  DWORD bytes = 0;
+  EXPECT_EQ(ERROR_SUCCESS,
+            Code([&] { return RegQueryValueExW(scratch.get(), L"", nullptr, nullptr, nullptr, &bytes); }));
+  EXPECT_EQ(5U, bytes) << "without room, asked for the size alone";
 }
 
 TEST_F(Registry, KeysAndHandlesEnd) {
@@ -133,8 +137,11 @@ TEST_F(Registry, KeysAndHandlesEnd) {
   EXPECT_EQ(ERROR_SUCCESS, Set(last.get(), L"value", REG_DWORD, {0, 0, 0, 0}));
   ASSERT_EQ(ERROR_SUCCESS, Open(scratch.get(), L"", last, KEY_READ));
   EXPECT_EQ(ERROR_ACCESS_DENIED, Set(last.get(), L"value", REG_DWORD, {0, 0, 0, 0}));
+  EXPECT_EQ(REG_CREATED_NEW_KEY, Make(last.get(), L"made", other)) << "what the key grants counts, not the handle";
+  EXPECT_EQ(ERROR_SUCCESS, Delete(last.get(), L"MADE"));
   const HKEY handle = last.get();
   last.reset();
+  EXPECT_EQ(std::vector<DWORD>{ERROR_INVALID_HANDLE}, Counts(handle));
   EXPECT_EQ(ERROR_INVALID_HANDLE, Code([&] { return RegCloseKey(handle); }));
   EXPECT_EQ(ERROR_INVALID_HANDLE, Open(nullptr, L"Software", last));
   EXPECT_EQ(ERROR_SUCCESS, Code([] { return RegCloseKey(HKEY_LOCAL_MACHINE); }));
