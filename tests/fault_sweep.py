@@ -30,6 +30,8 @@ COMMAND_LINES = [
     ("two-healthy-arrays", ["korvex", "-d", "1", "-e", "2", "-s", "forcerebalance", "-s", "busscan"]),
     ("two-healthy-arrays", ["korvex", "-P", "RetryInterval=5"]),
     ("two-healthy-arrays", ["korvex", "-M"]),
+    ("stale-settings", ["korvex", "-o", "RetryInterval=7,SaveSettings"]),
+    ("stale-settings", ["korvex", "-R"]),
     ("gen1-degraded-array", ["korvex", "-t", "-a", "Delphinus"]),
     ("gen1-two-healthy-arrays", ["korvex", "-w", WWN + ",A"]),
 ]
@@ -37,8 +39,8 @@ STATUSES = {0, 1, 255}
 FAILED, DENIED, WIN32_FAILED = 0x80041001, 0x80041003, 8
 # Codes of these are no HRESULTs, and they hand out nothing that a success could leave out.
 PLAIN = {"GetComputerNameExW", "GetTimeFormatW", "GetDateFormatW", "FileTimeToSystemTime", "CM_Locate_DevNode_ExW",
-         "CM_Reenumerate_DevNode_Ex", "fopen", "CreateFileW", "DeviceIoControl", "RegOpenKeyExW", "RegQueryInfoKeyW", "RegEnumKeyExW",
-         "RegSetValueExW", "RegDeleteKeyW", "RegCloseKey"}
+         "CM_Reenumerate_DevNode_Ex", "fopen", "CreateFileW", "DeviceIoControl", "RegOpenKeyExW", "RegQueryInfoKeyW",
+         "RegEnumKeyExW", "RegSetValueExW", "RegDeleteKeyW", "RegCloseKey"}
 HANDING_OUT = {"ConnectServer", "GetObject", "CreateInstanceEnum", "ExecQuery", "ExecMethod", "Next", "Clone", "Get",
                "SpawnInstance", "GetMethod", "NextMethod", "RegOpenKeyExW"}
 
