@@ -1,4 +1,5 @@
 #include "simhost/host.h"
+#include "simhost/registry_tree.h"
 #include "simhost/registry_values.h"
 #include "simhost/text.h"
 
