@@ -26,15 +26,17 @@ inline constexpr DWORD FILE_END = 2;
 inline constexpr DWORD INVALID_SET_FILE_POINTER = 0xFFFFFFFF;
 
 /// Opens or makes a file: INVALID_HANDLE_VALUE with 2 for a missing file, 3 for a missing directory, 5 for a file that
-/// may not be opened so, and for a directory without FILE_FLAG_BACKUP_SEMANTICS. OPEN_ALWAYS leaves the last error 183
-/// for a file that was there and 0 for one that was made. Sharing is not enforced.
+/// may not be opened so, and for a directory without FILE_FLAG_BACKUP_SEMANTICS, 32 for one that is open in this
+/// process without the sharing that this takes, or for what this does not share, 123 for a name that cannot be. Only
+/// OPEN_EXISTING and OPEN_ALWAYS, which leaves the last error 183 for a file that was there and 0 for one that was
+/// made. A directory is opened for reading at most.
 HANDLE CreateFileA(LPCSTR path, DWORD access, DWORD sharing, void* security, DWORD disposition, DWORD attributes,
                    HANDLE model);
 
 /// Reads from the file's position; `*bytesRead` is 0 at its end. Not overlapped.
 BOOL ReadFile(HANDLE file, void* buffer, DWORD bytes, DWORD* bytesRead, void* overlapped);
 
-/// Writes at the file's position; a full disk gives 112.
+/// Writes at the file's position, all or as much as there is room for before it fails; a full disk gives 112.
 BOOL WriteFile(HANDLE file, const void* buffer, DWORD bytes, DWORD* bytesWritten, void* overlapped);
 
 /// Moves the file's position by `distance` from FILE_BEGIN, FILE_CURRENT or FILE_END; the new one, or
@@ -46,19 +48,18 @@ BOOL FlushFileBuffers(HANDLE file);
 /// FALSE with 183 for a name that exists, 3 for a missing parent.
 BOOL CreateDirectoryA(LPCSTR path, void* security);
 
-/// FALSE with 2 for a missing file, 5 for a directory.
+/// FALSE with 2 for a missing file, 5 for a directory and a read-only file, 32 for one that is open without
+/// FILE_SHARE_DELETE.
 BOOL DeleteFileA(LPCSTR path);
 
 struct WIN32_FIND_DATAA {
   DWORD dwFileAttributes;
-  DWORD nFileSizeHigh;
-  DWORD nFileSizeLow;
   char cFileName[MAX_PATH]; ///< without directory
 };
 
 /// Begins a walk over the entries of a directory whose names match the pattern's last part (with `*` and `?`, ignoring
-/// case), in ascending order of their names without regard to case: 2 for none, 3 for a missing directory. Close with
-/// FindClose.
+/// case), in ascending order of their names without regard to case: 2 for none, 3 for a missing directory, 267 for a
+/// file in place of the directory. Close with FindClose.
 HANDLE FindFirstFileA(LPCSTR pattern, WIN32_FIND_DATAA* found);
 /// FALSE with 18 behind the last entry.
 BOOL FindNextFileA(HANDLE search, WIN32_FIND_DATAA* found);

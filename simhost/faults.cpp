@@ -91,7 +91,11 @@ FaultRules::Rule FaultRules::ReadRule(const Node& fault) {
       ReadGive(give, kOperations[rule.operation], rule.fault);
     }
     rule.fault.delay = members["delay"].Unsigned<std::uint32_t>(0, UINT32_MAX, 0);
-    if (give.IsAbsent() && !members.Has("delay")) {
+    const bool hasCount = kOperations[rule.operation].transfers && members.Has("count");
+    if (hasCount) {
+      rule.fault.count = members["count"].Unsigned<std::uint32_t>(0, UINT32_MAX, 0);
+    }
+    if (give.IsAbsent() && !hasCount && !members.Has("delay")) {
       members.Whole().Refuse("\"give\" or \"delay\" in it");
     }
   });
@@ -110,9 +114,10 @@ Fault FaultRules::TakeMatching(std::size_t operation, Matches matches) {
       continue;
     }
     taken.delay += rule.fault.delay;
-    if (!taken.code && !taken.nothing) {
+    if (!taken.code && !taken.nothing && !taken.count) {
       taken.code = rule.fault.code;
       taken.nothing = rule.fault.nothing;
+      taken.count = rule.fault.count;
     }
   }
   return taken;

@@ -25,9 +25,10 @@ Occurrence ReadOccurrence(const Node& occurrence);
 
 /// What faults make of one call.
 struct Fault {
-  std::optional<std::uint32_t> code; ///< the operation gives this instead of being carried out
-  bool nothing = false;              ///< it succeeds but hands out nothing
-  std::uint32_t delay = 0;           ///< milliseconds, waited out before anything else
+  std::optional<std::uint32_t> code;  ///< the operation gives this instead of being carried out
+  bool nothing = false;               ///< it succeeds but hands out nothing
+  std::optional<std::uint32_t> count; ///< a transfer ends after so many bytes, before the code comes
+  std::uint32_t delay = 0;            ///< milliseconds, waited out before anything else
 };
 
 class FaultRules {
@@ -37,9 +38,9 @@ public:
   explicit FaultRules(const Node& faults);
 
   /// Counts the call for every rule that matches it and gives what comes of it: of the rules that apply the first
-  /// decides code and nothing, the delays add up. `operation` is a position in kOperations. A rule's target is the
-  /// object (a class or a method), its member (a property or a method) or both as "object.member", without regard to
-  /// case; a rule without a target matches any call of its operation.
+  /// decides code, nothing and count, the delays add up. `operation` is a position in kOperations. A rule's target is
+  /// the object (a class or a method), its member (a property or a method) or both as "object.member", without regard
+  /// to case; a rule without a target matches any call of its operation.
   Fault Take(std::size_t operation, std::wstring_view object, std::wstring_view member = {});
 
   /// The same for an operation of the platform: a rule's target is the whole target or what stands behind its last

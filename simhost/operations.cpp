@@ -63,6 +63,7 @@ constexpr CodeName kWin32Words[] = {
     {"disk full", ERROR_DISK_FULL},
     {"no more items", ERROR_NO_MORE_ITEMS},
     {"key deleted", ERROR_KEY_DELETED},
+    {"sharing violation", ERROR_SHARING_VIOLATION},
 };
 
 constexpr CodeName kConfigurationWords[] = {

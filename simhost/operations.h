@@ -26,7 +26,8 @@ enum class CodeFamily : std::uint8_t {
 struct OperationName {
   std::string_view name;
   CodeFamily family;
-  bool handsOut = false; ///< gives its caller something, which a fault can leave out
+  bool handsOut = false;  ///< gives its caller something, which a fault can leave out
+  bool transfers = false; ///< transfers bytes, which a fault can cut short
 };
 
 /// Every operation, in the order in which the audit lists them.
@@ -81,8 +82,8 @@ inline constexpr OperationName kOperations[] = {
     {"RegDeleteKeyW", CodeFamily::kWin32},
     {"fopen", CodeFamily::kRuntime},
     {"CreateFileA", CodeFamily::kWin32},
-    {"ReadFile", CodeFamily::kWin32},
-    {"WriteFile", CodeFamily::kWin32},
+    {"ReadFile", CodeFamily::kWin32, false, true},
+    {"WriteFile", CodeFamily::kWin32, false, true},
     {"SetFilePointer", CodeFamily::kWin32},
     {"FlushFileBuffers", CodeFamily::kWin32},
     {"CloseHandle", CodeFamily::kWin32},

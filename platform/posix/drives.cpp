@@ -142,8 +142,9 @@ DWORD TellAddress(const OpenDrive& open, void* output, DWORD outputSize, DWORD& 
 
 } // namespace
 
-bool platform::CloseDriveHandle(std::uintptr_t handle) {
-  return OpenDrives().Remove(handle);
+std::optional<std::uint32_t> platform::CloseDriveHandle(std::uintptr_t handle) {
+  const auto open = OpenDrives().Find(handle);
+  return open ? std::optional(CloseIn(OpenDrives(), handle, open->path.c_str())) : std::nullopt;
 }
 
 HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD /*sharing*/, void* /*security*/, DWORD disposition,

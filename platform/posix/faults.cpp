@@ -58,6 +58,16 @@ std::optional<std::uint32_t> FaultOf(std::string_view operation, std::string_vie
   return machine->TakeFault(operation, target);
 }
 
+TransferFault TransferFaultOf(std::string_view operation, std::string_view target) noexcept {
+  const ErrnoGuard guard;
+  Machine* machine = MachineWithFaults();
+  if (machine == nullptr) {
+    return {};
+  }
+  const MachineCode asking;
+  return machine->TakeTransferFault(operation, target);
+}
+
 std::optional<std::uint32_t> FaultOf(std::string_view operation, const wchar_t* target) noexcept {
   const ErrnoGuard guard;
   if (MachineWithFaults() == nullptr) {

@@ -2,14 +2,12 @@
 #include "platform/files.h"
 #include "platform/posix/errno_guard.h"
 #include "platform/posix/faults.h"
-#include "platform/posix/handle_table.h"
 #include "platform/posix/handles.h"
-#include "platform/posix/machine.h"
+#include "platform/posix/open_files.h"
 #include "platform/posix/paths.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <memory>
 #include <new>
@@ -17,68 +15,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-// Files by handle. What a described fault gives for WriteFile is the last error; nothing is written then.
+// Files by handle.
 
 namespace {
 
-/// A file as its handle has it; closed with the last reference.
-struct OpenFile {
-  OpenFile(int descriptor, std::string name) : m_descriptor(descriptor), m_name(std::move(name)) {}
-  ~OpenFile() { close(m_descriptor); }
-  OpenFile(const OpenFile&) = delete;
-  OpenFile& operator=(const OpenFile&) = delete;
-
-  int Descriptor() const { return m_descriptor; }
-  const std::string& Name() const { return m_name; }
-
-private:
-  int m_descriptor;
-  std::string m_name;
-};
-using FileRef = std::shared_ptr<OpenFile>;
-
-/// Of static life without an end, as the machine's.
-platform::HandleTable<FileRef>& OpenFiles() {
-  static auto& files = *new platform::HandleTable<FileRef>;
-  return files;
-}
-
-FileRef FileOf(HANDLE handle) {
-  return OpenFiles().Find(reinterpret_cast<std::uintptr_t>(handle)).value_or(nullptr);
-}
-
-bool HasParent(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  struct stat status = {};
-  return slash == std::string::npos || slash == 0 || stat(path.substr(0, slash).c_str(), &status) == 0;
-}
-
-/// The last error that stands for an errno value of a call on the path.
-DWORD CodeOf(int error, const std::string& path) {
-  switch (error) {
-  case ENOENT:
-    return HasParent(path) ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
-  case ENOTDIR:
-    return ERROR_PATH_NOT_FOUND;
-  case EACCES:
-  case EPERM:
-  case EISDIR:
-  case EROFS:
-    return ERROR_ACCESS_DENIED;
-  case EEXIST:
-    return ERROR_ALREADY_EXISTS;
-  case ENOSPC:
-  case EDQUOT:
-    return ERROR_DISK_FULL;
-  case EMFILE:
-  case ENFILE:
-    return ERROR_TOO_MANY_OPEN_FILES;
-  case ENAMETOOLONG:
-    return ERROR_FILENAME_EXCED_RANGE;
-  default:
-    return ERROR_GEN_FAILURE;
-  }
-}
+using platform::CodeOfErrno;
+using platform::FileRef;
+using platform::OpenFile;
+using platform::OpenFiles;
 
 BOOL Fail(DWORD code) {
   SetLastError(code);
@@ -90,71 +34,106 @@ HANDLE FailToOpen(DWORD code) {
   return INVALID_HANDLE_VALUE;
 }
 
+constexpr mode_t kWritable = S_IWUSR | S_IWGRP | S_IWOTH;
+
 int OpenFlags(DWORD access, DWORD disposition) {
   const bool reads = (access & GENERIC_READ) != 0;
   const bool writes = (access & GENERIC_WRITE) != 0;
   const int mode = writes ? (reads ? O_RDWR : O_WRONLY) : O_RDONLY;
-  switch (disposition) {
-  case CREATE_NEW:
-    return mode | O_CREAT | O_EXCL;
-  case CREATE_ALWAYS:
-    return mode | O_CREAT | O_TRUNC;
-  case OPEN_ALWAYS:
-    return mode | O_CREAT;
-  default:
-    return mode;
-  }
+  return disposition == OPEN_ALWAYS ? mode | O_CREAT : mode;
 }
 
-HANDLE Open(const std::string& path, DWORD access, DWORD disposition, DWORD attributes) {
+/// Whether a file with that mode may be opened so. A file that nobody may write is what Windows calls read-only, also
+/// for those whom the host lets write everything.
+bool MayOpen(const struct stat& status, DWORD access, DWORD attributes) {
+  const bool writes = (access & GENERIC_WRITE) != 0;
+  if (S_ISDIR(status.st_mode)) {
+    return (attributes & FILE_FLAG_BACKUP_SEMANTICS) != 0 && !writes;
+  }
+  constexpr mode_t kReadable = S_IRUSR | S_IRGRP | S_IROTH;
+  const bool reads = (access & GENERIC_READ) != 0;
+  return S_ISREG(status.st_mode) && (!writes || (status.st_mode & kWritable) != 0) &&
+         (!reads || (status.st_mode & kReadable) != 0);
+}
+
+HANDLE Open(const std::string& path, DWORD access, DWORD sharing, DWORD disposition, DWORD attributes) {
+  if (platform::HasForbiddenName(path)) {
+    return FailToOpen(ERROR_INVALID_NAME);
+  }
   struct stat status = {};
   const bool existed = stat(path.c_str(), &status) == 0;
-  const bool isDirectory = existed && S_ISDIR(status.st_mode);
-  if (isDirectory && ((attributes & FILE_FLAG_BACKUP_SEMANTICS) == 0 || (access & GENERIC_WRITE) != 0)) {
+  if (existed && !MayOpen(status, access, attributes)) {
     return FailToOpen(ERROR_ACCESS_DENIED);
   }
-  const int descriptor = open(path.c_str(), OpenFlags(access, disposition) | O_CLOEXEC, 0666);
-  if (descriptor < 0) {
-    return FailToOpen(CodeOf(errno, path));
+  auto file = std::make_shared<OpenFile>(path, access, sharing);
+  if (const DWORD code = file->Open(OpenFlags(access, disposition)); code != ERROR_SUCCESS) {
+    return FailToOpen(code);
   }
-  const std::uintptr_t handle = OpenFiles().Add(std::make_shared<OpenFile>(descriptor, path));
-  if (disposition == OPEN_ALWAYS || disposition == CREATE_ALWAYS) {
+  const std::uintptr_t handle = OpenFiles().Add(std::move(file));
+  if (disposition == OPEN_ALWAYS) {
     SetLastError(existed ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
   }
   return reinterpret_cast<HANDLE>(handle); // NOLINT
 }
 
+FileRef FileOf(HANDLE handle) {
+  return OpenFiles().Find(reinterpret_cast<std::uintptr_t>(handle)).value_or(nullptr);
+}
+
 /// Carries out `call(const OpenFile&)`, which gives a last error, on the file of a handle.
 template <class Call>
-BOOL Carry(HANDLE handle, const char* operation, Call call) noexcept {
+BOOL Carry(HANDLE handle, Call call) noexcept {
   const platform::ErrnoGuard guard;
   const FileRef file = FileOf(handle);
   if (file == nullptr) {
     return Fail(ERROR_INVALID_HANDLE);
   }
-  if (const auto fault = platform::FaultOf(operation, std::string_view(file->Name()))) {
-    return Fail(*fault);
-  }
   const DWORD code = call(*file);
   return code == ERROR_SUCCESS ? TRUE : Fail(code);
+}
+
+/// Reads or writes `bytes` bytes with `transfer(offset, bytes)`, a POSIX call on the file, until it gives no more;
+/// `*transferred` counts them unless the call fails. A described fault comes in place of it or behind its first bytes.
+template <class Transfer>
+BOOL CarryTransfer(HANDLE handle, const char* operation, bool (OpenFile::*isAllowed)() const, DWORD bytes,
+                   DWORD* transferred, void* overlapped, Transfer transfer) noexcept {
+  if (transferred == nullptr || overlapped != nullptr) {
+    return Fail(ERROR_INVALID_PARAMETER);
+  }
+  *transferred = 0;
+  return Carry(handle, [&](const OpenFile& file) -> DWORD {
+    if (!(file.*isAllowed)()) {
+      return ERROR_ACCESS_DENIED;
+    }
+    const platform::TransferFault fault = platform::TransferFaultOf(operation, file.Name());
+    const DWORD most = fault.code ? fault.count.value_or(0) : std::min(bytes, fault.count.value_or(bytes));
+    DWORD done = 0;
+    while (done < std::min(most, bytes)) {
+      const ssize_t count = transfer(file.Descriptor(), done, std::min(most, bytes) - done);
+      if (count < 0 && errno != EINTR) {
+        return CodeOfErrno(errno, file.Name());
+      }
+      if (count == 0) {
+        break;
+      }
+      done += count < 0 ? 0 : static_cast<DWORD>(count);
+    }
+    *transferred = fault.code ? 0 : done;
+    return fault.code.value_or(ERROR_SUCCESS);
+  });
 }
 
 } // namespace
 
 std::optional<std::uint32_t> platform::CloseFileHandle(std::uintptr_t handle) {
   const FileRef file = OpenFiles().Find(handle).value_or(nullptr);
-  if (file == nullptr) {
-    return std::nullopt;
-  }
-  const auto fault = FaultOf("CloseHandle", std::string_view(file->Name()));
-  OpenFiles().Remove(handle);
-  return fault.value_or(ERROR_SUCCESS);
+  return file == nullptr ? std::nullopt : std::optional(CloseIn(OpenFiles(), handle, file->Name()));
 }
 
-HANDLE CreateFileA(LPCSTR path, DWORD access, DWORD /*sharing*/, void* /*security*/, DWORD disposition,
-                   DWORD attributes, HANDLE /*model*/) {
+HANDLE CreateFileA(LPCSTR path, DWORD access, DWORD sharing, void* /*security*/, DWORD disposition, DWORD attributes,
+                   HANDLE /*model*/) {
   const platform::ErrnoGuard guard;
-  if (path == nullptr) {
+  if (path == nullptr || (disposition != OPEN_EXISTING && disposition != OPEN_ALWAYS)) {
     return FailToOpen(ERROR_INVALID_PARAMETER);
   }
   try {
@@ -162,39 +141,32 @@ HANDLE CreateFileA(LPCSTR path, DWORD access, DWORD /*sharing*/, void* /*securit
     if (const auto fault = platform::FaultOf("CreateFileA", std::string_view(hostPath))) {
       return FailToOpen(*fault);
     }
-    return Open(hostPath, access, disposition, attributes);
+    return Open(hostPath, access, sharing, disposition, attributes);
   } catch (const std::bad_alloc&) {
     return FailToOpen(ERROR_NOT_ENOUGH_MEMORY);
   }
 }
 
 BOOL ReadFile(HANDLE file, void* buffer, DWORD bytes, DWORD* bytesRead, void* overlapped) {
-  if (bytesRead == nullptr || overlapped != nullptr) {
-    return Fail(ERROR_INVALID_PARAMETER);
-  }
-  *bytesRead = 0;
-  return Carry(file, "ReadFile", [&](const OpenFile& open) -> DWORD {
-    const ssize_t count = read(open.Descriptor(), buffer, bytes);
-    *bytesRead = count < 0 ? 0 : static_cast<DWORD>(count);
-    return count < 0 ? CodeOf(errno, open.Name()) : ERROR_SUCCESS;
-  });
+  return CarryTransfer(file, "ReadFile", &OpenFile::Reads, bytes, bytesRead, overlapped,
+                       [&](int descriptor, DWORD offset, DWORD rest) {
+                         return read(descriptor, static_cast<char*>(buffer) + offset, rest);
+                       });
 }
 
 BOOL WriteFile(HANDLE file, const void* buffer, DWORD bytes, DWORD* bytesWritten, void* overlapped) {
-  if (bytesWritten == nullptr || overlapped != nullptr) {
-    return Fail(ERROR_INVALID_PARAMETER);
-  }
-  *bytesWritten = 0;
-  return Carry(file, "WriteFile", [&](const OpenFile& open) -> DWORD {
-    const ssize_t count = write(open.Descriptor(), buffer, bytes);
-    *bytesWritten = count < 0 ? 0 : static_cast<DWORD>(count);
-    return count < 0 ? CodeOf(errno, open.Name()) : ERROR_SUCCESS;
-  });
+  return CarryTransfer(file, "WriteFile", &OpenFile::Writes, bytes, bytesWritten, overlapped,
+                       [&](int descriptor, DWORD offset, DWORD rest) {
+                         return write(descriptor, static_cast<const char*>(buffer) + offset, rest);
+                       });
 }
 
 DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD method) {
   DWORD position = INVALID_SET_FILE_POINTER;
-  Carry(file, "SetFilePointer", [&](const OpenFile& open) -> DWORD {
+  Carry(file, [&](const OpenFile& open) -> DWORD {
+    if (const auto fault = platform::FaultOf("SetFilePointer", std::string_view(open.Name()))) {
+      return *fault;
+    }
     if (method > FILE_END) {
       return ERROR_INVALID_PARAMETER;
     }
@@ -218,71 +190,14 @@ DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD metho
 }
 
 BOOL FlushFileBuffers(HANDLE file) {
-  return Carry(file, "FlushFileBuffers", [](const OpenFile& open) -> DWORD {
-    const int mode = fcntl(open.Descriptor(), F_GETFL) & O_ACCMODE;
-    if (mode == O_RDONLY) {
+  return Carry(file, [](const OpenFile& open) -> DWORD {
+    if (const auto fault = platform::FaultOf("FlushFileBuffers", std::string_view(open.Name()))) {
+      return *fault;
+    }
+    if (!open.Writes()) {
       return ERROR_ACCESS_DENIED;
     }
-    return fdatasync(open.Descriptor()) == 0 || errno == EINVAL ? ERROR_SUCCESS : CodeOf(errno, open.Name());
+    // EINVAL: what holds no data of its own, such as a pipe.
+    return fdatasync(open.Descriptor()) == 0 || errno == EINVAL ? ERROR_SUCCESS : CodeOfErrno(errno, open.Name());
   });
-}
-
-namespace {
-
-/// Carries out `call(path)`, which gives 0 or sets errno, on a path.
-template <class Call>
-BOOL CarryOnPath(LPCSTR path, const char* operation, Call call) noexcept {
-  const platform::ErrnoGuard guard;
-  if (path == nullptr) {
-    return Fail(ERROR_INVALID_PARAMETER);
-  }
-  try {
-    const std::string hostPath = platform::HostPath(path);
-    if (const auto fault = platform::FaultOf(operation, std::string_view(hostPath))) {
-      return Fail(*fault);
-    }
-    return call(hostPath.c_str()) == 0 ? TRUE : Fail(CodeOf(errno, hostPath));
-  } catch (const std::bad_alloc&) {
-    return Fail(ERROR_NOT_ENOUGH_MEMORY);
-  }
-}
-
-} // namespace
-
-BOOL CreateDirectoryA(LPCSTR path, void* /*security*/) {
-  return CarryOnPath(path, "CreateDirectoryA", [](const char* hostPath) {
-    const int result = mkdir(hostPath, 0777);
-    if (result != 0 && errno == ENOENT) {
-      errno = ENOTDIR;
-    }
-    return result;
-  });
-}
-
-BOOL DeleteFileA(LPCSTR path) {
-  return CarryOnPath(path, "DeleteFileA", [](const char* hostPath) { return unlink(hostPath); });
-}
-
-DWORD GetModuleFileNameA(void* /*module*/, LPSTR path, DWORD size) {
-  const platform::ErrnoGuard guard;
-  if (const auto fault = platform::FaultOf("GetModuleFileNameA")) {
-    SetLastError(*fault);
-    // A path that does not fit fills its room.
-    return *fault == ERROR_INSUFFICIENT_BUFFER ? size : 0;
-  }
-  char name[4096];
-  const ssize_t length = readlink("/proc/self/exe", name, sizeof name);
-  if (length <= 0 || size == 0) {
-    SetLastError(length <= 0 ? ERROR_FILE_NOT_FOUND : ERROR_INSUFFICIENT_BUFFER);
-    return 0;
-  }
-  std::replace(name, name + length, '/', '\\');
-  const auto kept = std::min(static_cast<DWORD>(length), size - 1);
-  std::memcpy(path, name, kept);
-  path[kept] = '\0';
-  if (kept < static_cast<DWORD>(length)) {
-    SetLastError(ERROR_INSUFFICIENT_BUFFER);
-    return size;
-  }
-  return kept;
 }

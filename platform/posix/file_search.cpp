@@ -22,7 +22,6 @@ namespace fs = std::filesystem;
 struct Entry {
   std::string name;
   bool isDirectory = false;
-  std::uintmax_t size = 0;
 };
 
 struct Search {
@@ -67,9 +66,13 @@ bool Matches(const char* pattern, const char* name) {
 }
 
 bool IsBefore(const Entry& left, const Entry& right) {
-  const bool isLess = std::ranges::lexicographical_compare(left.name, right.name, {}, Upper, Upper);
-  const bool isGreater = std::ranges::lexicographical_compare(right.name, left.name, {}, Upper, Upper);
-  return isLess || (!isGreater && left.name < right.name);
+  const auto isSame = [](char one, char other) { return Upper(one) == Upper(other); };
+  const auto [inLeft, inRight] = std::ranges::mismatch(left.name, right.name, isSame);
+  if (inLeft == left.name.end() && inRight == right.name.end()) {
+    return left.name < right.name;
+  }
+  return inRight != right.name.end() && (inLeft == left.name.end() || static_cast<unsigned char>(Upper(*inLeft)) <
+                                                                          static_cast<unsigned char>(Upper(*inRight)));
 }
 
 /// The directory's matching entries; the code of what went wrong.
@@ -77,16 +80,20 @@ DWORD List(const fs::path& directory, const std::string& pattern, std::vector<En
   std::error_code error;
   fs::directory_iterator walk(directory.empty() ? fs::path(".") : directory, error);
   if (error) {
-    return error == std::errc::permission_denied ? ERROR_ACCESS_DENIED : ERROR_PATH_NOT_FOUND;
+    std::error_code ignored;
+    const DWORD missing = fs::exists(directory, ignored) ? ERROR_DIRECTORY : ERROR_PATH_NOT_FOUND;
+    return error == std::errc::permission_denied ? ERROR_ACCESS_DENIED : missing;
   }
   for (; !error && walk != fs::directory_iterator(); walk.increment(error)) {
     Entry entry{walk->path().filename().string()};
     if (Matches(pattern.c_str(), entry.name.c_str())) {
       std::error_code ignored;
       entry.isDirectory = walk->is_directory(ignored);
-      entry.size = entry.isDirectory ? 0 : walk->file_size(ignored);
       entries.push_back(std::move(entry));
     }
+  }
+  if (error) {
+    return ERROR_GEN_FAILURE;
   }
   std::ranges::sort(entries, IsBefore);
   return entries.empty() ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
@@ -101,8 +108,6 @@ bool Take(Search& search, WIN32_FIND_DATAA& found) {
     }
     found = {};
     found.dwFileAttributes = entry.isDirectory ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL;
-    found.nFileSizeHigh = static_cast<DWORD>(entry.size >> 32U);
-    found.nFileSizeLow = static_cast<DWORD>(entry.size);
     std::memcpy(found.cFileName, entry.name.c_str(), entry.name.size() + 1);
     return true;
   }

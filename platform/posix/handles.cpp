@@ -7,13 +7,14 @@
 BOOL CloseHandle(HANDLE handle) {
   const platform::ErrnoGuard guard;
   const auto number = reinterpret_cast<std::uintptr_t>(handle);
-  if (platform::CloseDriveHandle(number) || platform::CloseThreadHandle(number)) {
-    return TRUE;
+  for (const auto close : {platform::CloseFileHandle, platform::CloseThreadHandle, platform::CloseDriveHandle}) {
+    if (const auto code = close(number)) {
+      if (*code != ERROR_SUCCESS) {
+        SetLastError(*code);
+      }
+      return *code == ERROR_SUCCESS ? TRUE : FALSE;
+    }
   }
-  const DWORD code = platform::CloseFileHandle(number).value_or(ERROR_INVALID_HANDLE);
-  if (code != ERROR_SUCCESS) {
-    SetLastError(code);
-    return FALSE;
-  }
-  return TRUE;
+  SetLastError(ERROR_INVALID_HANDLE);
+  return FALSE;
 }

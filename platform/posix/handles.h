@@ -1,5 +1,8 @@
 #pragma once
 
+#include "platform/error.h"
+#include "platform/posix/faults.h"
+
 #include <cstdint>
 #include <optional>
 
@@ -7,13 +10,18 @@
 
 namespace platform {
 
-/// Closes the handle of a physical drive; false when it is none.
-bool CloseDriveHandle(std::uintptr_t handle);
-
-/// The same for a file: none when it is not one, else the code of closing it.
+/// Closes a handle of one kind: none when it is not open or of another kind, else 0 or the code of a described fault.
+std::optional<std::uint32_t> CloseDriveHandle(std::uintptr_t handle);
 std::optional<std::uint32_t> CloseFileHandle(std::uintptr_t handle);
+/// The thread goes on.
+std::optional<std::uint32_t> CloseThreadHandle(std::uintptr_t handle);
 
-/// The same for a thread, which goes on.
-bool CloseThreadHandle(std::uintptr_t handle);
+/// Closes an open handle of a table and gives the code; `target` is what faults know it by. A handle whose closing
+/// fails is gone all the same, as nobody closes it again.
+template <class Table, class Target>
+std::uint32_t CloseIn(Table& table, std::uintptr_t handle, const Target& target) {
+  const auto fault = FaultOf("CloseHandle", target);
+  return table.Remove(handle) ? fault.value_or(ERROR_SUCCESS) : ERROR_INVALID_HANDLE;
+}
 
 } // namespace platform

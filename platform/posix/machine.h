@@ -71,6 +71,13 @@ public:
   virtual DWORD Address(SCSI_ADDRESS& address, std::size_t& length) = 0;
 };
 
+/// What a described fault makes of a call that transfers bytes: it ends after `count` bytes, where that many are asked
+/// for, and then fails with `code`. A code alone comes in place of the transfer.
+struct TransferFault {
+  std::optional<std::uint32_t> code;
+  std::optional<std::uint32_t> count;
+};
+
 /// The machine behind the platform's calls. Its operations are called from any thread, do not throw, and leave the last
 /// error to the platform; the platform saves and restores errno around them, and asks for no faults while one runs.
 class Machine {
@@ -94,8 +101,16 @@ public:
   /// CM_Reenumerate_DevNode_Ex, fopen (the path), RegOpenKeyExW, RegCreateKeyExW, RegDeleteKeyW, RegQueryInfoKeyW,
   /// RegEnumKeyExW and RegCloseKey (the key's path below HKEY_LOCAL_MACHINE), RegQueryValueExW and RegSetValueExW (the
   /// same and the value's name behind a backslash), CreateFileW
-  /// and DeviceIoControl (the drive's path). A code of 0 makes a registry call succeed without doing anything.
+  /// and DeviceIoControl (the drive's path), CreateFileA, SetFilePointer, FlushFileBuffers, CreateDirectoryA and
+  /// DeleteFileA (the path with slashes), CloseHandle (the same, the drive's path, or empty), FindFirstFileA and
+  /// FindNextFileA (the pattern with slashes), GetModuleFileNameA, CreateThread. A code of 0 makes a registry call
+  /// succeed without doing anything.
   virtual std::optional<std::uint32_t> TakeFault(std::string_view operation, std::string_view target) = 0;
+
+  /// The same for ReadFile and WriteFile (the file's path).
+  virtual TransferFault TakeTransferFault(std::string_view operation, std::string_view target) {
+    return {TakeFault(operation, target), std::nullopt};
+  }
 
   /// Makes the COM object of a class: REGDB_E_CLASSNOTREG for a class that the machine does not have.
   virtual HRESULT CreateComObject(REFCLSID classId, REFIID riid, void** object) = 0;

@@ -7,14 +7,16 @@
 #include "platform/posix/handles.h"
 #include "platform/posix/machine.h"
 
-#include <system_error>
+#include <exception>
 #include <thread>
 
 namespace {
 
-/// Threads by handle; a thread needs none to go on.
-platform::HandleTable<DWORD>& OpenThreads() {
-  static auto& threads = *new platform::HandleTable<DWORD>;
+/// Threads have nothing but their handles, and need none to go on.
+struct OpenThread {};
+
+platform::HandleTable<OpenThread>& OpenThreads() {
+  static auto& threads = *new platform::HandleTable<OpenThread>;
   return threads;
 }
 
@@ -25,14 +27,14 @@ HANDLE FailToStart(DWORD code) {
 
 } // namespace
 
-bool platform::CloseThreadHandle(std::uintptr_t handle) {
-  return OpenThreads().Remove(handle);
+std::optional<std::uint32_t> platform::CloseThreadHandle(std::uintptr_t handle) {
+  return OpenThreads().Find(handle) ? std::optional(CloseIn(OpenThreads(), handle, std::string_view())) : std::nullopt;
 }
 
 HANDLE CreateThread(void* /*security*/, std::size_t /*stackSize*/, LPTHREAD_START_ROUTINE start, LPVOID argument,
-                    DWORD /*flags*/, DWORD* threadId) {
+                    DWORD flags, DWORD* threadId) {
   const platform::ErrnoGuard guard;
-  if (start == nullptr) {
+  if (start == nullptr || flags != 0) {
     return FailToStart(ERROR_INVALID_PARAMETER);
   }
   if (const auto fault = platform::FaultOf("CreateThread")) {
@@ -46,13 +48,13 @@ HANDLE CreateThread(void* /*security*/, std::size_t /*stackSize*/, LPTHREAD_STAR
       start(argument);
       machine.EndThread(enlisted);
     }).detach();
-  } catch (const std::system_error&) {
+  } catch (const std::exception&) {
     machine.EndThread(enlisted);
     return FailToStart(ERROR_NOT_ENOUGH_MEMORY);
   }
-  const auto id = static_cast<DWORD>(enlisted);
+  const std::uintptr_t handle = OpenThreads().Add({});
   if (threadId != nullptr) {
-    *threadId = id;
+    *threadId = static_cast<DWORD>(handle);
   }
-  return reinterpret_cast<HANDLE>(OpenThreads().Add(id)); // NOLINT
+  return reinterpret_cast<HANDLE>(handle); // NOLINT
 }

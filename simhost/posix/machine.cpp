@@ -39,14 +39,18 @@ public:
   bool HasFaults() const noexcept override { return !m_host->faults.IsEmpty(); }
 
   std::optional<std::uint32_t> TakeFault(std::string_view operation, std::string_view target) override {
+    return TakeTransferFault(operation, target).code;
+  }
+
+  platform::TransferFault TakeTransferFault(std::string_view operation, std::string_view target) override {
     try {
       const Fault fault = m_host->faults.TakePlatform(operation, target);
       if (fault.delay != 0) {
         m_host->clock->Wait(fault.delay);
       }
-      return fault.nothing ? std::optional<std::uint32_t>(ERROR_SUCCESS) : fault.code;
+      return {fault.nothing ? std::optional<std::uint32_t>(ERROR_SUCCESS) : fault.code, fault.count};
     } catch (const std::exception&) {
-      return std::nullopt;
+      return {};
     }
   }
 

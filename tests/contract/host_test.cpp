@@ -1,9 +1,11 @@
 #include "platform/devices.h"
 #include "platform/host.h"
+#include "platform/threads.h"
 #include "tests/contract/support/markers.h"
 #include "tests/contract/support/system_under_test.h"
 
 #include <array>
+#include <atomic>
 #include <bit>
 #include <chrono>
 #include <cwchar>
@@ -139,6 +141,24 @@ TEST(Clock, TellsUtcAndSleepTakesItsTime) {
   const auto asleep = steady_clock::now();
   Sleep(30);
   EXPECT_GE(steady_clock::now() - asleep, milliseconds(25));
+}
+
+TEST(Thread, RunsWithItsArgumentAndWithoutItsHandle) {
+  std::atomic<int> state = 1;
+  const LPTHREAD_START_ROUTINE start = [](LPVOID argument) -> DWORD {
+    Sleep(1);
+    SetLastError(contract::kUntouchedError + 1); // of this thread only
+    ++*static_cast<std::atomic<int>*>(argument);
+    return 0;
+  };
+  HANDLE thread = nullptr;
+  EXPECT_EQ(Succeeds(), Try([&] { return (thread = CreateThread(nullptr, 0, start, &state, 0, nullptr)) != nullptr; }));
+  EXPECT_EQ(Succeeds(), Try([&] { return CloseHandle(thread); }));
+  EXPECT_EQ(Fails(ERROR_INVALID_HANDLE), Try([&] { return CloseHandle(thread); }));
+  for (int waits = 0; state == 1 && waits < 10'000; ++waits) {
+    Sleep(1);
+  }
+  EXPECT_EQ(2, state);
 }
 
 TEST(DeviceTree, TheRootCanBeLocated) {
