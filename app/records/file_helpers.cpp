@@ -2,6 +2,7 @@
 
 #include "app/cli/console/error_text.h"
 #include "app/cli/console/print.h"
+#include "app/records/record_directory.h"
 #include "platform/error.h"
 
 namespace korvex {
@@ -13,9 +14,11 @@ RecordFile::~RecordFile() {
 }
 
 bool vrx_OpenFile(const char* name, RecordFile& file) {
-  file.m_handle =
-      CreateFileA(name, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                  OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (IsInWwnDirectory(name)) {
+    file.m_handle =
+        CreateFileA(name, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                    OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  }
   if (!file.IsOpen()) {
     PrintError("vrx_OpenFile: Error opening file %s. error - %s\n", name, LastErrorText().c_str());
     return false;

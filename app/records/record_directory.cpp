@@ -102,6 +102,15 @@ void FormFullPath(const char* fileName, char (&path)[VRX_MAX_PATH]) {
   BoundedAppend(path, sizeof path, fileName);
 }
 
+bool IsInWwnDirectory(const char* path) {
+  const std::size_t length = std::strlen(gWwnDirPath);
+  if (std::strncmp(path, gWwnDirPath, length) == 0 && std::strpbrk(path + length, "\\/:") == nullptr) {
+    return true;
+  }
+  SetLastError(ERROR_INVALID_NAME);
+  return false;
+}
+
 bool vrxUtilSys_DoesWwnDirPathFileExist() {
   char path[VRX_MAX_PATH];
   if (BoundedCopy(path, sizeof path, gWwnDirPath) != S_OK) {
@@ -114,8 +123,11 @@ bool vrxUtilSys_DoesWwnDirPathFileExist() {
                LastErrorText().c_str());
     return false;
   }
-  HANDLE file = CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  HANDLE file = INVALID_HANDLE_VALUE;
+  if (IsInWwnDirectory(path)) {
+    file = CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  }
   if (file != INVALID_HANDLE_VALUE) {
     if (CloseHandle(file) == FALSE) {
       PrintError("vrxUtilSys_DoesWwnDirPathFileExist: Error closing file. error - %s\n", LastErrorText().c_str());

@@ -23,6 +23,10 @@ void FormWwnFileName();
 /// Puts the directory before a file's name; what does not fit is cut.
 void FormFullPath(const char* fileName, char (&path)[VRX_MAX_PATH]);
 
+/// Whether a full path names something in gWwnDirPath itself; otherwise false, with the last error of a name that
+/// cannot be. The name of a generation-2 array's file is whatever text its driver gave as WWN.
+bool IsInWwnDirectory(const char* path);
+
 /// Whether the record file gWwnFileName exists in gWwnDirPath; false also after a message.
 bool vrxUtilSys_DoesWwnDirPathFileExist();
 

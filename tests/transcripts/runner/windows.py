@@ -14,6 +14,7 @@ _PASSED_ON = ("HOME", "WINEPREFIX", "WINEARCH", "WINEDEBUG", "WINEDLLOVERRIDES")
 
 # The operating system's wording, and Wine's for the same code.
 _SYSTEM_MESSAGES = {
+    "The filename, directory name, or volume label syntax is incorrect.": "Invalid name.",
     "The system cannot find the file specified.": "File not found.",
     "More data is available.": "More data available.",
     "Access is denied.": "Access denied.",
