@@ -165,7 +165,8 @@ TEST_F(Files, AreFoundInTheOrderOfTheirNames) {
   for (const auto& [pattern, error] : {std::pair<const char*, DWORD>{"*.none", ERROR_FILE_NOT_FOUND},
                                        {"no directory\\*.wwn", ERROR_PATH_NOT_FOUND},
                                        {"ten\\*.wwn", notDirectory}}) {
-    const Left none = Try([&] { return FindFirstFileA(Path(pattern).c_str(), &found) != INVALID_HANDLE_VALUE; });
+    const Left none =
+        Try([&, pattern = pattern] { return FindFirstFileA(Path(pattern).c_str(), &found) != INVALID_HANDLE_VALUE; });
     EXPECT_EQ(none, Fails(error)) << pattern;
   }
 }
