@@ -45,11 +45,11 @@ protected:
   }
   bool Read(UtilStatusInfo& record) const {
     RecordFile file;
-    return vrx_OpenFile(path.string().c_str(), file) && utilReadWWNFile(file, record);
+    return vrx_OpenFile((gWwnDirPath + std::string("a.wwn")).c_str(), file) && utilReadWWNFile(file, record);
   }
   void Write(const UtilStatusInfo& record) const {
     RecordFile file;
-    EXPECT_TRUE(vrx_OpenFile(path.string().c_str(), file) && utilWriteWWNFile(file, record));
+    EXPECT_TRUE(vrx_OpenFile((gWwnDirPath + std::string("a.wwn")).c_str(), file) && utilWriteWWNFile(file, record));
   }
 };
 
