@@ -17,19 +17,19 @@ int Opened(int file) {
 
 } // namespace
 
-RedirectedOutput::RedirectedOutput(int file) : m_saved(Opened(dup(1))) {
+RedirectedOutput::RedirectedOutput(int file, int stream) : m_stream(stream), m_saved(Opened(dup(stream))) {
   std::fflush(stdout);
-  dup2(Opened(file), 1);
+  dup2(Opened(file), m_stream);
   close(file);
 }
 
 RedirectedOutput::~RedirectedOutput() {
   std::fflush(stdout);
-  dup2(m_saved, 1);
+  dup2(m_saved, m_stream);
   close(m_saved);
 }
 
-SilentOutput::SilentOutput() : m_redirection(open("/dev/null", O_WRONLY)) {}
+SilentOutput::SilentOutput(int stream) : m_redirection(open("/dev/null", O_WRONLY), stream) {}
 
 std::string CapturedOutput(void (&print)()) {
   std::FILE* file = std::tmpfile();

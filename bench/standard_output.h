@@ -2,22 +2,23 @@
 
 #include <string>
 
-/// Sends standard output elsewhere while it lives.
+/// Sends standard output, or the stream of another descriptor, elsewhere while it lives.
 class RedirectedOutput {
 public:
-  explicit RedirectedOutput(int file);
+  explicit RedirectedOutput(int file, int stream = 1);
   ~RedirectedOutput();
   RedirectedOutput(const RedirectedOutput&) = delete;
   RedirectedOutput& operator=(const RedirectedOutput&) = delete;
 
 private:
+  int m_stream;
   int m_saved;
 };
 
-/// Throws standard output away while it lives, so that the terminal is not measured.
+/// Throws standard output or another stream away while it lives, so that the terminal is not measured.
 class SilentOutput {
 public:
-  SilentOutput();
+  explicit SilentOutput(int stream = 1);
 
 private:
   RedirectedOutput m_redirection;
