@@ -11,7 +11,7 @@ std::string LayRecordDirectory(const std::string& name) {
   const fs::path directory = fs::path(KORVEX_BENCH_WORK) / name;
   fs::remove_all(directory);
   fs::create_directories(directory);
-  const std::string path = directory.string() + '/';
+  std::string path = directory.string() + '/';
   korvex::BoundedCopy(korvex::gWwnDirPath, sizeof korvex::gWwnDirPath, path.c_str());
   return path;
 }

@@ -1,8 +1,10 @@
+#include "app/cli/console/error_text.h"
 #include "app/records/missing_arrays.h"
 #include "app/records/record_deletion.h"
 #include "app/records/record_reader.h"
 #include "app/records/record_writer.h"
 #include "app/records/status_merge.h"
+#include "platform/error.h"
 #include "tests/unit/support/capture.h"
 
 #include <algorithm>
@@ -150,7 +152,8 @@ TEST_F(RecordFiles, ThatGoOrCannotGoMeanwhileDoNotStopTheOthers) {
   fs::create_directory(directory / "aa.wwn");
   const CapturedOutput deletion = Capture([] { EXPECT_EQ(utilDeleteWWNList(), 1); });
   EXPECT_EQ(deletion.out, "");
-  const std::string denied = "\n Access is denied.\r\n\n";
+  SetLastError(ERROR_ACCESS_DENIED);
+  const std::string denied = "\n " + LastErrorText() + "\n";
   EXPECT_EQ(deletion.err,
             "Deleting file:  a.wwn\n" + denied + "Deleting file:  aa.wwn\n" + denied + "Deleting file:  b.wwn\n");
   EXPECT_EQ(Content(), "read-only");
