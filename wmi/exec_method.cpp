@@ -67,7 +67,7 @@ wmiReturn PutInputs(MethodCall& call, const std::vector<OrbRequestParameter*>& p
   return kWmiSuccess;
 }
 
-wmiReturn Execute(MethodCall& call, IWbemClassObject* instance) {
+wmiReturn Execute(MethodCall& call, IWbemClassObject* instance, MethodOutcome& outcome) {
   platform::Variant path;
   HRESULT result = instance->Get(L"__RELPATH", 0, path.put(), nullptr, nullptr);
   if (FAILED(result)) {
@@ -80,8 +80,10 @@ wmiReturn Execute(MethodCall& call, IWbemClassObject* instance) {
                                      call.outParameters.put(), nullptr);
   if (FAILED(result)) {
     kTrace.Error("WMIRequestFailed(ExecMethod).  Error 0x%x\n", Hex(result));
+    outcome = IsAnswerOfProvider(result) ? MethodOutcome::kRefused : MethodOutcome::kUnknown;
     return StatusOfFailure(result);
   }
+  outcome = call.outParameters ? MethodOutcome::kAnswered : MethodOutcome::kEmpty;
   return kWmiSuccess;
 }
 
@@ -143,7 +145,10 @@ wmiReturn OrbWmiRequest::ExecMethod(OrbWmiEnumerator* target) {
     status = PutInputs(call, m_InputParameters);
   }
   if (status == kWmiSuccess) {
-    status = Execute(call, instance);
+    status = Execute(call, instance, m_Outcome);
+  }
+  if (m_Outcome == MethodOutcome::kRefused && !call.inParameters && !m_InputParameters.empty()) {
+    m_Outcome = MethodOutcome::kUnknown;
   }
   return status == kWmiSuccess ? GetOutputs(call, m_OutputParameters) : status;
 }

@@ -11,6 +11,14 @@
 
 namespace korvex {
 
+/// How far a method call came.
+enum class MethodOutcome : std::uint8_t {
+  kUnknown,  ///< not called with all of its arguments, or it failed for a reason of its way there
+  kRefused,  ///< called with all of its arguments, which the provider refused
+  kEmpty,    ///< carried out, without an output object
+  kAnswered, ///< carried out, with an output object
+};
+
 /// One method call on an instance, or one WQL query. Used once.
 class OrbWmiRequest {
 public:
@@ -29,6 +37,8 @@ public:
   /// Calls the method on the instance that `target` stands on and fills the output holders; 0, 1, 4, 5 or 9 (5 also
   /// without a target or a current instance).
   wmiReturn ExecMethod(OrbWmiEnumerator* target);
+  /// How far ExecMethod came.
+  MethodOutcome Outcome() const { return m_Outcome; }
   /// Runs the query and gives an enumerator on its first result, which the caller releases with platform::DeleteObject
   /// before this request; 0, 1, 4, 5 or 9.
   wmiReturn ExecQuery(OrbWmiEnumerator** enumeratorOut);
@@ -44,6 +54,7 @@ private:
   std::uint8_t m_OwnsClass = 0;
   std::vector<OrbRequestParameter*> m_InputParameters;
   std::vector<OrbRequestParameter*> m_OutputParameters;
+  MethodOutcome m_Outcome = MethodOutcome::kUnknown;
 };
 
 } // namespace korvex

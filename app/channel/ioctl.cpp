@@ -24,14 +24,13 @@ struct WorkingObjects {
   std::optional<OrbWmiRequest> request;
 };
 
-/// Builds the method's input. What cannot be built is left out, and the method's outcome decides.
-void AddInput(const RequestTableEntry& row, void* argument, WorkingObjects& work) {
+/// Builds the method's input. What cannot be built is left out, and the method's outcome decides; false then.
+bool AddInput(const RequestTableEntry& row, void* argument, WorkingObjects& work) {
   TracePrint("InputEnumerator init - '%s'\n", NarrowText(row.input).c_str());
   OrbWmiVariant& input = work.input.emplace();
   input.Initialize();
-  if (UtilInputParameter(row.code, argument, input) == kWmiSuccess) {
-    work.request->AddInputParameter(row.input, &input);
-  }
+  return UtilInputParameter(row.code, argument, input) == kWmiSuccess &&
+         work.request->AddInputParameter(row.input, &input) == kWmiSuccess;
 }
 
 void AddOutput(const RequestTableEntry& row, WorkingObjects& work) {
@@ -57,17 +56,16 @@ void EmptyHolders(std::uint32_t requestCode, void* argument, WorkingObjects& wor
 }
 
 /// Runs the row's method on the instance of the methods class and hands its output to the caller.
-int CallMethod(const RequestTableEntry& row, void* argument, WorkingObjects& work) {
+int CallMethod(const RequestTableEntry& row, void* argument, WorkingObjects& work, MethodOutcome& outcome) {
   work.request.emplace().MethodRequest(row.method, &gDsmChannel->methodsClass);
-  if (row.input != nullptr) {
-    AddInput(row, argument, work);
-  }
+  const bool isInputWhole = row.input == nullptr || AddInput(row, argument, work);
   if (row.output != nullptr) {
     AddOutput(row, work);
   }
 
   TracePrint("Execute method - '%s'\n", NarrowText(row.method).c_str());
   const wmiReturn status = work.request->ExecMethod(&gDsmChannel->instances);
+  outcome = isInputWhole ? work.request->Outcome() : MethodOutcome::kUnknown;
   if (status != kWmiSuccess) {
     if (status == kWmiAccessDenied) {
       PrintError("Permission Denied.\n");
@@ -87,7 +85,10 @@ int CallCallback(const RequestTableEntry& row, void* argument, WorkingObjects& w
 
 } // namespace
 
-int Ioctl(std::uint32_t requestCode, void* argument) {
+int Ioctl(std::uint32_t requestCode, void* argument, MethodOutcome* outcome) {
+  MethodOutcome ignored;
+  MethodOutcome& reached = outcome != nullptr ? *outcome : ignored;
+  reached = MethodOutcome::kUnknown;
   TracePrint("Ioctl(0x%x)\n", static_cast<unsigned>(requestCode));
   const RequestTableEntry* row = FindRequest(requestCode);
   if (row == nullptr || gDsmChannel == nullptr) {
@@ -97,7 +98,7 @@ int Ioctl(std::uint32_t requestCode, void* argument) {
   WorkingObjects work;
   int result = kIoctlFailed;
   if (row->method != nullptr) {
-    result = CallMethod(*row, argument, work);
+    result = CallMethod(*row, argument, work, reached);
   }
   if (row->callback != nullptr) {
     result = CallCallback(*row, argument, work);

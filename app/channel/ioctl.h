@@ -1,5 +1,7 @@
 #pragma once
 
+#include "wmi/orb_wmi_request.h"
+
 #include <cstdint>
 
 namespace korvex {
@@ -16,7 +18,8 @@ inline constexpr int kIoctlSucceeded = 1;
 inline constexpr int kIoctlFailed = -1;
 
 /// Sends one request of the request table to the DSM or to its callback; the argument's form depends on the code (a
-/// number to fill, a level, an OrbWmiVariant holder, a record). 1 or -1.
-int Ioctl(std::uint32_t requestCode, void* argument);
+/// number to fill, a level, an OrbWmiVariant holder, a record). 1 or -1. `outcome`, where it is given, learns how far
+/// the request's method came, for a caller that must not take a failure or an empty answer for something told.
+int Ioctl(std::uint32_t requestCode, void* argument, MethodOutcome* outcome = nullptr);
 
 } // namespace korvex

@@ -24,7 +24,7 @@ bool AskForLimits() {
     PrintError("Unable to get maxpaths request - %s!\n", RuntimeErrorText());
     return false;
   }
-  if (MaxArrayModules == kUnknownLimit && Ioctl(request::kGetMaxModulesSupported, &MaxArrayModules) == kIoctlFailed) {
+  if (MaxArrayModules == kUnknownLimit && !AskForArrayCount()) {
     PrintError("Unable to get maxmodules request - %s!\n", RuntimeErrorText());
     return false;
   }

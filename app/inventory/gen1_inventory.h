@@ -21,7 +21,7 @@ int GetRdacInfoForTarget(std::uint32_t moduleId, RdacInfoRequest& request);
 /// must exist. `interfaceTypes`, unless it is empty, gets the interface-type code of every path present, controller A's
 /// first, packed at the front, and 255 in every other place. 1, or 0 on failure.
 int utilGetTargetName(std::uint32_t moduleId, std::span<std::uint8_t> interfaceTypes = {});
-/// Whether utilGetTargetName failed last because the DSM tells no such module.
+/// Whether utilGetTargetName failed last because the DSM has no such module.
 extern bool gTargetIsAbsent;
 
 /// Callback of request 0x4D03; the argument is the address of an RdacInfoRequest whose record is allocated. 0, or 1 on

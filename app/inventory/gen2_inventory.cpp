@@ -34,13 +34,13 @@ InputArgumentsRecord SelectionRecord() {
 
 } // namespace
 
-int GetCurrentNumberOfArrays() {
+int GetCurrentNumberOfArrays(MethodOutcome* outcome) {
   TracePrint("Init connection\n");
   if (!ConnectChannel()) {
     return 0;
   }
   const bool isFound = OpenMethodsInstance();
-  if (isFound && Ioctl(request::kGetCurrentNumberOfArrays, &gNumberOfArrays) == kIoctlFailed) {
+  if (isFound && Ioctl(request::kGetCurrentNumberOfArrays, &gNumberOfArrays, outcome) == kIoctlFailed) {
     PrintError("Unable to get the current number of Arrays - %s!\n", RuntimeErrorText());
   }
   gDsmChannel->connection.CloseConnection();

@@ -14,9 +14,10 @@ namespace korvex {
 namespace {
 
 /// Sends one of the module's requests; the answer comes back in `holder`.
-bool SendForModule(std::uint32_t requestCode, std::uint32_t moduleId, OrbWmiVariant& holder) {
+bool SendForModule(std::uint32_t requestCode, std::uint32_t moduleId, OrbWmiVariant& holder,
+                   MethodOutcome* outcome = nullptr) {
   if (holder.SetProperty(&moduleId, sizeof moduleId, CIM_UINT32) == kWmiSuccess &&
-      Ioctl(requestCode, &holder) != kIoctlFailed) {
+      Ioctl(requestCode, &holder, outcome) != kIoctlFailed) {
     return true;
   }
   TracePrint("Unable to send ioctl request - %s!\n", RuntimeErrorText());
@@ -37,8 +38,10 @@ std::uint32_t GetRdacInfo(std::uint32_t /*requestCode*/, void* argument, OrbWmiV
   OrbWmiVariant controllerInfo;
   OrbWmiVariant diskInfo;
   TracePrint("GetModuleInfo\n");
-  request.isModuleTold = SendForModule(request::kGetModuleInfo, request.moduleId, moduleInfo);
-  if (!request.isModuleTold) {
+  MethodOutcome outcome = MethodOutcome::kUnknown;
+  const bool isTold = SendForModule(request::kGetModuleInfo, request.moduleId, moduleInfo, &outcome);
+  request.isModuleRefused = outcome == MethodOutcome::kRefused;
+  if (!isTold) {
     return 1;
   }
   TracePrint("GetControllerInfo\n");

@@ -19,6 +19,15 @@ bool gArrayCountFailed = false;
 char* gModuleName = nullptr;
 std::uint8_t* gModuleWWN = nullptr;
 
+bool AskForArrayCount() {
+  const std::uint32_t code =
+      InterfaceGeneration() == 2 ? request::kGetCurrentNumberOfArrays : request::kGetMaxModulesSupported;
+  MethodOutcome outcome = MethodOutcome::kUnknown;
+  const bool isGiven = Ioctl(code, &MaxArrayModules, &outcome) != kIoctlFailed;
+  gArrayCountFailed = !isGiven || outcome != MethodOutcome::kAnswered;
+  return isGiven;
+}
+
 int GetMaxArrayModules() {
   if (!utilDetermineBusFd()) {
     PrintError("Unable to determine virtual bus!!\n");
@@ -28,12 +37,9 @@ int GetMaxArrayModules() {
     return 1;
   }
   TracePrint("sending ioctl for maxArrayModules \n");
-  const std::uint32_t code =
-      InterfaceGeneration() == 2 ? request::kGetCurrentNumberOfArrays : request::kGetMaxModulesSupported;
-  if (Ioctl(code, &MaxArrayModules) == kIoctlFailed) {
+  if (!AskForArrayCount()) {
     PrintError("Unable to get max Array modules request - %s!\n", RuntimeErrorText());
     MaxArrayModules = 0;
-    gArrayCountFailed = true;
     return 0;
   }
   return 1;

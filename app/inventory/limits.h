@@ -13,7 +13,7 @@ extern std::uint32_t gUtilMaxLuns;
 extern std::uint32_t gUtilMaxPaths;
 /// The DSM's array modules (generation 1) or current arrays (generation 2); 0 after a failed request.
 extern std::uint32_t MaxArrayModules;
-/// Whether MaxArrayModules is 0 because the request for it failed.
+/// Whether the last request for MaxArrayModules failed, or came back without an answer.
 extern bool gArrayCountFailed;
 
 /// Slots of 80 bytes; slot 0 holds the name of the array read last. At least one slot.
@@ -22,6 +22,9 @@ extern char* gModuleName;
 extern std::uint8_t* gModuleWWN;
 inline constexpr std::uint32_t kModuleNameSlot = 80;
 inline constexpr std::uint32_t kModuleWwnSlot = 32;
+
+/// Sends the generation's request for MaxArrayModules; false, with MaxArrayModules left alone, when it failed.
+bool AskForArrayCount();
 
 /// 1 known, 0 the request failed, -1 the channel could not be opened.
 int GetMaxArrayModules();

@@ -218,8 +218,8 @@ struct RdacInfoRequest {
   std::array<char, 37> moduleName = {};
   /// How much of `moduleName` may be used, terminator included.
   std::uint32_t moduleNameRoom = 37;
-  /// Whether the DSM has answered the first of the module's requests: there is such a module.
-  bool isModuleTold = false;
+  /// Whether the DSM has refused the first of the module's requests: there is no such module.
+  bool isModuleRefused = false;
 };
 
 } // namespace korvex

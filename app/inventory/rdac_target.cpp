@@ -94,7 +94,7 @@ int utilGetTargetName(std::uint32_t moduleId, std::span<std::uint8_t> interfaceT
   TracePrint("Send RdacInfo request to target %d. \n", static_cast<int>(moduleId));
   if (Ioctl(request::kGetRdacInfo, &request) == kIoctlFailed) {
     TracePrint("Unable to send ioctl request - %s!\n", RuntimeErrorText());
-    gTargetIsAbsent = !request.isModuleTold;
+    gTargetIsAbsent = request.isModuleRefused;
     return 0;
   }
   BoundedCopy(gModuleName, kModuleNameSlot, request.moduleName.data());

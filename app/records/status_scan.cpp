@@ -34,7 +34,7 @@ bool AskForGen1Limits(ScanLimits& limits) {
     return false;
   }
   TracePrint("sending ioctl for maxArrayModules\n");
-  if (Ioctl(request::kGetMaxModulesSupported, &MaxArrayModules) == kIoctlFailed) {
+  if (!AskForArrayCount()) {
     PrintError("Unable to get getmodules request - %s!\n", RuntimeErrorText());
     return false;
   }

@@ -24,8 +24,9 @@ enum class Reported { kArrays, kNoArrays, kNothing };
 /// Whether the DSM reports arrays at all, on the open channel.
 Reported AskForArrays() {
   gNumberOfArrays = kUnknownLimit;
-  GetCurrentNumberOfArrays();
-  if (gNumberOfArrays == kUnknownLimit) {
+  MethodOutcome outcome = MethodOutcome::kUnknown;
+  GetCurrentNumberOfArrays(&outcome);
+  if (outcome != MethodOutcome::kAnswered || gNumberOfArrays == kUnknownLimit) {
     return Reported::kNothing;
   }
   return gNumberOfArrays == 0 ? Reported::kNoArrays : Reported::kArrays;
