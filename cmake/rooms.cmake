@@ -6,7 +6,7 @@ function(korvex_compile_options target)
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wformat=2 -Wcast-qual -Wold-style-cast
     -Werror
     # GCC 12 takes a text put before a std::string for an overlapping copy (its bug 105651).
-    -Wno-restrict
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
     # The same sources give the same program wherever they lie.
     "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=")
   if(WIN32)
@@ -104,6 +104,6 @@ function(korvex_makehost)
   add_executable(makehost ${sources})
   korvex_compile_options(makehost)
   # GCC 12 under the sanitizers takes the parts of an initializer list for unset.
-  target_compile_options(makehost PRIVATE -Wno-maybe-uninitialized)
+  target_compile_options(makehost PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   korvex_link_machine(makehost)
 endfunction()

@@ -65,7 +65,7 @@ def occurrences(count):
 
 def rules(operation, count):
     codes = [WIN32_FAILED] if operation in PLAIN or operation in UNCOUNTED else [FAILED, DENIED]
-    codes += ["nothing"] if operation in HANDING_OUT else []
+    codes += ["nothing"] if operation in HANDING_OUT else [0] if operation == "QueryInterface" else []
     once = [{"operation": operation, "occurrence": n, "give": codes[n % len(codes)]} for n in occurrences(count)]
     return once + [{"operation": operation, "give": code} for code in codes] + [{"operation": operation, "delay": 7000}]
 

@@ -103,6 +103,9 @@ HRESULT CoSetProxyBlanket(IUnknown* proxy, DWORD authnService, DWORD authzServic
   if (FAILED(found)) {
     return found;
   }
+  if (!security) {
+    return E_NOINTERFACE;
+  }
   return security->SetBlanket(proxy, authnService, authzService, principal, authnLevel, impLevel, identity,
                               capabilities);
 }
