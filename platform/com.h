@@ -83,6 +83,12 @@ struct SAFEARRAYBOUND {
   LONG lLbound;
 };
 
+/// Features of an array: what its elements are, and whether it can tell their VARTYPE.
+inline constexpr USHORT FADF_HAVEVARTYPE = 0x0080;
+inline constexpr USHORT FADF_BSTR = 0x0100;
+inline constexpr USHORT FADF_UNKNOWN = 0x0200;
+inline constexpr USHORT FADF_DISPATCH = 0x0400;
+
 /// One-dimensional here; the owner of its elements.
 struct SAFEARRAY {
   USHORT cDims;
@@ -147,6 +153,7 @@ HRESULT SafeArrayUnaccessData(SAFEARRAY* array);
 /// Stores a copy of a plain value or text, or an interface with an added reference; `value` is the interface itself
 /// then.
 HRESULT SafeArrayPutElement(SAFEARRAY* array, LONG* index, void* value);
+/// VT_EMPTY for an array without FADF_HAVEVARTYPE.
 HRESULT SafeArrayGetVartype(SAFEARRAY* array, VARTYPE* type);
 
 // Start-up and security.

@@ -66,6 +66,10 @@ bool IsArrayOf(SAFEARRAY* array, VARTYPE elementType, std::int64_t count) {
       count > std::int64_t{array->rgsabound[0].cElements}) {
     return false;
   }
+  // An array of interfaces says so in its features; its VARTYPE it need not tell.
+  if (elementType == VT_UNKNOWN && (array->fFeatures & (FADF_UNKNOWN | FADF_DISPATCH)) != 0) {
+    return true;
+  }
   VARTYPE told = VT_EMPTY;
   return FAILED(SafeArrayGetVartype(array, &told)) || AreOfOneKind(told, elementType);
 }

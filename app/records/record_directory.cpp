@@ -11,6 +11,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
+#include <string>
+#include <string_view>
 
 namespace korvex {
 
@@ -60,6 +63,20 @@ char LowerHex(char character) {
   return character >= 'A' && character <= 'F' ? static_cast<char>(character - 'A' + 'a') : character;
 }
 
+/// Whether the system takes the file name for a device's, whatever its directory and its extension are.
+bool NamesDevice(const char* fileName) {
+  static constexpr std::string_view kDevices[] = {"con", "prn", "aux", "nul", "conin$", "conout$"};
+  static constexpr std::string_view kNumberedDevices[] = {"com", "lpt"};
+  std::string stem(fileName, std::strcspn(fileName, "."));
+  std::ranges::transform(stem, stem.begin(), [](char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+  });
+  stem.resize(stem.find_last_not_of(' ') + 1);
+  return std::ranges::find(kDevices, stem) != std::end(kDevices) ||
+         (stem.size() == 4 && stem[3] >= '0' && stem[3] <= '9' &&
+          std::ranges::find(kNumberedDevices, stem.substr(0, 3)) != std::end(kNumberedDevices));
+}
+
 } // namespace
 
 const char* vrxUtilSys_SetWwnDirPath() {
@@ -104,7 +121,8 @@ void FormFullPath(const char* fileName, char (&path)[VRX_MAX_PATH]) {
 
 bool IsInWwnDirectory(const char* path) {
   const std::size_t length = std::strlen(gWwnDirPath);
-  if (std::strncmp(path, gWwnDirPath, length) == 0 && std::strpbrk(path + length, "\\/:") == nullptr) {
+  if (std::strncmp(path, gWwnDirPath, length) == 0 && std::strpbrk(path + length, "\\/:") == nullptr &&
+      !NamesDevice(path + length)) {
     return true;
   }
   SetLastError(ERROR_INVALID_NAME);

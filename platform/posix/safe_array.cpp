@@ -12,11 +12,6 @@
 
 namespace {
 
-/// Features of a descriptor (SAFEARRAY::fFeatures).
-constexpr USHORT kHasElementType = 0x0080;
-constexpr USHORT kHoldsTexts = 0x0100;
-constexpr USHORT kHoldsInterfaces = 0x0200;
-
 constexpr ULONG kMostLocks = 0xFFFF;
 
 /// Every array of this file's making: the descriptor, and the type of its elements behind it.
@@ -55,11 +50,11 @@ ULONG ElementBytes(VARTYPE type) {
 USHORT FeaturesOf(VARTYPE type) {
   switch (type) {
   case VT_BSTR:
-    return kHasElementType | kHoldsTexts;
+    return FADF_HAVEVARTYPE | FADF_BSTR;
   case VT_UNKNOWN:
-    return kHasElementType | kHoldsInterfaces;
+    return FADF_HAVEVARTYPE | FADF_UNKNOWN;
   default:
-    return kHasElementType;
+    return FADF_HAVEVARTYPE;
   }
 }
 
@@ -283,6 +278,6 @@ HRESULT SafeArrayGetVartype(SAFEARRAY* array, VARTYPE* type) {
   if (array == nullptr || type == nullptr) {
     return E_INVALIDARG;
   }
-  *type = ElementType(array);
+  *type = (array->fFeatures & FADF_HAVEVARTYPE) != 0 ? ElementType(array) : static_cast<VARTYPE>(VT_EMPTY);
   return S_OK;
 }

@@ -107,6 +107,8 @@ TEST(OrbWmiVariantTest, GivesTheElementsOfAnArrayOfObjectsOnly) {
   SAFEARRAYBOUND& odd = oddBounds->get().parray->rgsabound[0];
   odd.lLbound = std::numeric_limits<LONG>::min();
   odd.cElements = 0;
+  const Value withoutType = ObjectsValue({&first});
+  withoutType->get().parray->fFeatures &= static_cast<USHORT>(~FADF_HAVEVARTYPE);
   const struct {
     const char* what;
     Value held;
@@ -116,6 +118,7 @@ TEST(OrbWmiVariantTest, GivesTheElementsOfAnArrayOfObjectsOnly) {
   } rows[] = {
       {"first", ObjectsValue({&first, &second}, -2), 0, "0 ", AsElement(first)},
       {"second", ObjectsValue({&first, &second}, -2), 1, "0 ", AsElement(second)},
+      {"of an array that does not tell its type", withoutType, 0, "0 ", AsElement(first)},
       {"past the end", ObjectsValue({&first, &second}, -2), 2, "2 "},
       {"before the first", ObjectsValue({&first}, -2), -1, "2 "},
       {"of null", EmptyValue(VT_NULL), 0, "2 "},
