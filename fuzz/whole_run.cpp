@@ -34,8 +34,7 @@ void Demand(bool isHeld, const char* what) {
 
 /// Takes back what a process has at its start, and what a run leaves for the end of its process.
 void StartOver() {
-  korvex::gUtilMaxLuns = korvex::gUtilMaxPaths = korvex::MaxArrayModules = korvex::kUnknownLimit;
-  korvex::gArrayCountFailed = false;
+  korvex::ForgetLimits();
   korvex::gWwnDirPath[0] = '\0';
   korvex::WmiLayerTrace::Instance().SetCategoryThreshold(0);
   korvex::WmiLayerTrace::Instance().SetLevelThreshold(0);
@@ -97,11 +96,11 @@ const std::vector<simhost::Json>& ReadyMadeHosts() {
   return hosts;
 }
 
-simhost::Json With(const simhost::Json& description, simhost::Json::Object keys) {
+simhost::Json With(const simhost::Json& description, const simhost::Json::Object& keys) {
   simhost::Json::Object members = description.IfObject() != nullptr ? *description.IfObject() : simhost::Json::Object();
-  for (auto& [key, value] : keys) {
-    std::erase_if(members, [&key = key](const auto& member) { return member.first == key; });
-    members.emplace_back(std::move(key), std::move(value));
+  for (const auto& key : keys) {
+    std::erase_if(members, [&](const auto& member) { return member.first == key.first; });
+    members.push_back(key);
   }
   return members;
 }

@@ -22,7 +22,7 @@ const std::vector<std::vector<std::string>>& CommandLines();
 const std::vector<simhost::Json>& ReadyMadeHosts();
 
 /// The description with these keys in place of its own.
-simhost::Json With(const simhost::Json& description, simhost::Json::Object keys);
+simhost::Json With(const simhost::Json& description, const simhost::Json::Object& keys);
 
 /// Runs the utility on the host with the words behind the program's name. Aborts when the run leaves anything allocated
 /// or gives a status that no run ends with.

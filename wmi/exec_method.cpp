@@ -80,7 +80,7 @@ wmiReturn Execute(MethodCall& call, IWbemClassObject* instance, MethodOutcome& o
                                      call.outParameters.put(), nullptr);
   if (FAILED(result)) {
     kTrace.Error("WMIRequestFailed(ExecMethod).  Error 0x%x\n", Hex(result));
-    outcome = IsAnswerOfProvider(result) ? MethodOutcome::kRefused : MethodOutcome::kUnknown;
+    outcome = pathText != nullptr && IsAnswerOfProvider(result) ? MethodOutcome::kRefused : MethodOutcome::kUnknown;
     return StatusOfFailure(result);
   }
   outcome = call.outParameters ? MethodOutcome::kAnswered : MethodOutcome::kEmpty;

@@ -22,7 +22,9 @@ public:
   /// Reads `source` into `buffer` of `length` bytes by its VARTYPE (and, for texts, `cimType`); 0, 1 or 4. Never writes
   /// beyond `length`: a boolean fills at most its lower bytes of a shorter buffer, and an object is only read into a
   /// buffer of exactly a VARIANT's size, which must hold an initialised VARIANT.
-  static wmiReturn GetVariantData(const VARIANT& source, void* buffer, std::uint32_t length, std::uint32_t cimType);
+  /// `delivered`, where it is given, gets the number of bytes of a byte array, which may be shorter than the buffer.
+  static wmiReturn GetVariantData(const VARIANT& source, void* buffer, std::uint32_t length, std::uint32_t cimType,
+                                  std::uint32_t* delivered = nullptr);
   /// Sets only the type tag of `target`; 0, or 1 for a CIM type outside the table.
   static wmiReturn SetCimType(VARIANT& target, std::uint32_t cimType);
   /// The decimal number that a text begins with; 0 without digits; no overflow check (modulo 2^64).

@@ -32,8 +32,9 @@ public:
   wmiReturn Next();
   /// Rewinds without moving onto the first instance; 0, 1 or 5.
   wmiReturn Reset();
-  /// Reads a property into `buffer` of `length` bytes, zeroed first; 0, 1, 4, 5 or 7.
-  wmiReturn GetProperty(const wchar_t* name, void* buffer, std::uint32_t length);
+  /// Reads a property into `buffer` of `length` bytes, zeroed first; 0, 1, 4, 5 or 7. `delivered`, where it is given,
+  /// gets the number of bytes of a byte array, and 0 for anything else.
+  wmiReturn GetProperty(const wchar_t* name, void* buffer, std::uint32_t length, std::uint32_t* delivered = nullptr);
   /// Writes a property of the current instance; 0, 1, 4 or 5. A number with fewer bytes than the property's type takes
   /// is refused with 1 (a uint16 takes 32 bits, or 16 as 2 or 3 bytes). For a property that holds an object or an array
   /// of objects the value is itself the interface or the array, and `length` must be a pointer's. An object's reference

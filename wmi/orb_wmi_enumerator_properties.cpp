@@ -38,7 +38,11 @@ bool FitsLength(std::uint32_t cimType, std::uint32_t length) {
 
 } // namespace
 
-wmiReturn OrbWmiEnumerator::GetProperty(const wchar_t* name, void* buffer, std::uint32_t length) {
+wmiReturn OrbWmiEnumerator::GetProperty(const wchar_t* name, void* buffer, std::uint32_t length,
+                                        std::uint32_t* delivered) {
+  if (delivered != nullptr) {
+    *delivered = 0;
+  }
   if (buffer == nullptr) {
     kTrace.Error("BufferNotDefined(GetProperty)\n");
     return kWmiNotDefined;
@@ -59,7 +63,7 @@ wmiReturn OrbWmiEnumerator::GetProperty(const wchar_t* name, void* buffer, std::
     kTrace.Error("NullDataType(GetProperty)\n");
     return kWmiNullValue;
   }
-  return OrbWmiCommon::GetVariantData(value.get(), buffer, length, static_cast<std::uint32_t>(cimType));
+  return OrbWmiCommon::GetVariantData(value.get(), buffer, length, static_cast<std::uint32_t>(cimType), delivered);
 }
 
 wmiReturn OrbWmiEnumerator::SetProperty(const wchar_t* name, const void* value, std::uint32_t length) {

@@ -99,7 +99,7 @@ wmiReturn ReadObject(const VARIANT& source, const Target& target) {
   return kWmiSuccess;
 }
 
-wmiReturn ReadByteArray(SAFEARRAY* array, const Target& target) {
+wmiReturn ReadByteArray(SAFEARRAY* array, const Target& target, std::uint32_t* delivered) {
   LONG lower = 0;
   HRESULT result = SafeArrayGetLBound(array, 1, &lower);
   if (FAILED(result)) {
@@ -130,13 +130,16 @@ wmiReturn ReadByteArray(SAFEARRAY* array, const Target& target) {
     std::memcpy(target.buffer, data, static_cast<std::size_t>(count));
   }
   SafeArrayUnaccessData(array);
+  if (delivered != nullptr && hasData) {
+    *delivered = static_cast<std::uint32_t>(count);
+  }
   return hasData ? kWmiSuccess : Unsupported();
 }
 
 } // namespace
 
-wmiReturn OrbWmiCommon::GetVariantData(const VARIANT& source, void* buffer, std::uint32_t length,
-                                       std::uint32_t cimType) {
+wmiReturn OrbWmiCommon::GetVariantData(const VARIANT& source, void* buffer, std::uint32_t length, std::uint32_t cimType,
+                                       std::uint32_t* delivered) {
   kTrace.Detail("GetVariantType(0x%x);cimType(0x%x)\n", source.vt, static_cast<unsigned>(cimType));
   const Target target{buffer, buffer == nullptr ? 0 : length};
   switch (source.vt) {
@@ -151,7 +154,7 @@ wmiReturn OrbWmiCommon::GetVariantData(const VARIANT& source, void* buffer, std:
   case VT_UNKNOWN:
     return ReadObject(source, target);
   case kVtByteArray:
-    return ReadByteArray(source.parray, target);
+    return ReadByteArray(source.parray, target, delivered);
   default:
     return Unsupported();
   }

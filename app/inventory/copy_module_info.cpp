@@ -57,7 +57,9 @@ void ReadModule(OrbWmiEnumerator& answer, RdacInfoRequest& request) {
   RdacModule& module = request.info.Module();
   module.ModuleHandle = ReadHandle(answer, L"ModuleHandle");
   ReadName(answer, request);
-  answer.GetProperty(L"WWN", module.WWN.data(), static_cast<std::uint32_t>(module.WWN.size()));
+  std::uint32_t delivered = 0;
+  answer.GetProperty(L"WWN", module.WWN.data(), static_cast<std::uint32_t>(module.WWN.size()), &delivered);
+  request.isWwnWhole = delivered == module.WWN.size();
   ReadNumbers<RdacModule>(answer, kModuleNumbers, module);
   module.flags = ReadFlags(answer, kModuleFlags);
   if (module.Has(module_flag::kExtPathRecoveryEnabled)) {

@@ -21,8 +21,9 @@ int GetRdacInfoForTarget(std::uint32_t moduleId, RdacInfoRequest& request);
 /// must exist. `interfaceTypes`, unless it is empty, gets the interface-type code of every path present, controller A's
 /// first, packed at the front, and 255 in every other place. 1, or 0 on failure.
 int utilGetTargetName(std::uint32_t moduleId, std::span<std::uint8_t> interfaceTypes = {});
-/// Whether utilGetTargetName failed last because the DSM has no such module.
+/// Whether utilGetTargetName failed last because the DSM has no such module, and whether it got the module's WWN whole.
 extern bool gTargetIsAbsent;
+extern bool gTargetIsNamed;
 
 /// Callback of request 0x4D03; the argument is the address of an RdacInfoRequest whose record is allocated. 0, or 1 on
 /// failure.

@@ -9,8 +9,8 @@
 
 namespace korvex {
 
-/// Asks the DSM for gNumberOfArrays; 1 when its methods class was found, else 0. `outcome`, where it is given, is set when the DSM
-/// was asked.
+/// Asks the DSM for gNumberOfArrays; 1 when its methods class was found, else 0. `outcome`, where it is given, is set
+/// when the DSM was asked.
 int GetCurrentNumberOfArrays(MethodOutcome* outcome = nullptr);
 
 /// Collects the selected arrays and prints what was asked for; 1, -1 when the request failed, 0 or -1 when the module

@@ -15,9 +15,16 @@ namespace korvex {
 std::uint32_t gUtilMaxLuns = kUnknownLimit;
 std::uint32_t gUtilMaxPaths = kUnknownLimit;
 std::uint32_t MaxArrayModules = kUnknownLimit;
-bool gArrayCountFailed = false;
 char* gModuleName = nullptr;
 std::uint8_t* gModuleWWN = nullptr;
+
+namespace {
+
+bool gArrayCountFailed = false;
+/// The methods class of the DSM that MaxArrayModules comes from.
+wchar_t gCountedMethodsName[25] = {};
+
+} // namespace
 
 bool AskForArrayCount() {
   const std::uint32_t code =
@@ -25,7 +32,21 @@ bool AskForArrayCount() {
   MethodOutcome outcome = MethodOutcome::kUnknown;
   const bool isGiven = Ioctl(code, &MaxArrayModules, &outcome) != kIoctlFailed;
   gArrayCountFailed = !isGiven || outcome != MethodOutcome::kAnswered;
+  if (isGiven) {
+    std::ranges::copy(gWmiMethodsName, gCountedMethodsName);
+  }
   return isGiven;
+}
+
+bool IsArrayCountTold() {
+  return (MaxArrayModules != 0 || !gArrayCountFailed) && std::ranges::equal(gWmiMethodsName, gCountedMethodsName);
+}
+
+void ForgetLimits() {
+  gUtilMaxLuns = kUnknownLimit;
+  gUtilMaxPaths = kUnknownLimit;
+  MaxArrayModules = kUnknownLimit;
+  gArrayCountFailed = false;
 }
 
 int GetMaxArrayModules() {

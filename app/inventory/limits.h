@@ -13,8 +13,6 @@ extern std::uint32_t gUtilMaxLuns;
 extern std::uint32_t gUtilMaxPaths;
 /// The DSM's array modules (generation 1) or current arrays (generation 2); 0 after a failed request.
 extern std::uint32_t MaxArrayModules;
-/// Whether the last request for MaxArrayModules failed, or came back without an answer.
-extern bool gArrayCountFailed;
 
 /// Slots of 80 bytes; slot 0 holds the name of the array read last. At least one slot.
 extern char* gModuleName;
@@ -25,6 +23,12 @@ inline constexpr std::uint32_t kModuleWwnSlot = 32;
 
 /// Sends the generation's request for MaxArrayModules; false, with MaxArrayModules left alone, when it failed.
 bool AskForArrayCount();
+
+/// Whether MaxArrayModules is what the DSM that the run talks to now has answered. A count of 0 is not when the last
+/// request failed or came back empty; a count is kept when -D changes the DSM.
+bool IsArrayCountTold();
+/// Takes the limits and the count for unknown, as at the start.
+void ForgetLimits();
 
 /// 1 known, 0 the request failed, -1 the channel could not be opened.
 int GetMaxArrayModules();

@@ -220,6 +220,8 @@ struct RdacInfoRequest {
   std::uint32_t moduleNameRoom = 37;
   /// Whether the DSM has refused the first of the module's requests: there is no such module.
   bool isModuleRefused = false;
+  /// Whether the DSM has told all bytes of the module's WWN.
+  bool isWwnWhole = false;
 };
 
 } // namespace korvex

@@ -15,6 +15,7 @@
 namespace korvex {
 
 bool gTargetIsAbsent = false;
+bool gTargetIsNamed = false;
 
 namespace {
 
@@ -76,6 +77,7 @@ int GetRdacInfoForTarget(std::uint32_t moduleId, RdacInfoRequest& request) {
 
 int utilGetTargetName(std::uint32_t moduleId, std::span<std::uint8_t> interfaceTypes) {
   gTargetIsAbsent = false;
+  gTargetIsNamed = false;
   if (!utilDetermineBusFd()) {
     PrintError("Unable to determine virtual bus!!\n");
     return 0;
@@ -97,6 +99,7 @@ int utilGetTargetName(std::uint32_t moduleId, std::span<std::uint8_t> interfaceT
     gTargetIsAbsent = request.isModuleRefused;
     return 0;
   }
+  gTargetIsNamed = request.isWwnWhole;
   BoundedCopy(gModuleName, kModuleNameSlot, request.moduleName.data());
   std::ranges::copy(request.info.Module().WWN, gModuleWWN);
   if (!interfaceTypes.empty()) {

@@ -40,6 +40,10 @@ bool IsArrayNamed() {
   return std::any_of(gModuleWWN, gModuleWWN + kModuleWwnSlot, [](std::uint8_t byte) { return byte != 0; });
 }
 
+bool IsWwnTextWhole() {
+  return std::all_of(gModuleWWN, gModuleWWN + kModuleWwnSlot, [](std::uint8_t byte) { return byte != 0; });
+}
+
 std::uint64_t IndexesFor(std::uint32_t count) {
   const std::uint64_t indexes = 4 * std::uint64_t{count};
   return InterfaceGeneration() == 2 ? std::min(indexes, kArrayIds) : indexes;

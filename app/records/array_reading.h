@@ -16,6 +16,9 @@ bool ReadArrayByIndex(std::uint32_t index);
 /// Whether the array read last, also one that could not be read whole, has told its WWN.
 bool IsArrayNamed();
 
+/// The same in generation 2, where a record may have ended within the WWN.
+bool IsWwnTextWhole();
+
 /// Indexes from 0 that are tried for `count` arrays, which need not follow one another: four times as many, as far as
 /// they can be array ids.
 std::uint64_t IndexesFor(std::uint32_t count);

@@ -11,8 +11,10 @@
 #include "app/records/array_reading.h"
 #include "app/records/file_helpers.h"
 #include "app/records/record_text.h"
+#include "platform/error.h"
 
 #include <cstring>
+#include <set>
 #include <string>
 
 namespace korvex {
@@ -39,13 +41,14 @@ bool HoldsName(const char* path, const char* word) {
          StoredName(line) == word;
 }
 
-bool DeleteMissing(const WwnFileEntry& entry, const char* path, bool& isAnyMissing) {
-  if (entry.isSeen != 0) {
-    return false;
+/// The full path of a file in the list; false after a message when it does not fit: cut, it would be another's.
+bool FormPath(const WwnFileEntry& entry, char (&path)[VRX_MAX_PATH]) {
+  if (FormFullPath(entry.name, path)) {
+    return true;
   }
-  isAnyMissing = true;
-  utilDeleteWWNFile(path);
-  return true;
+  SetLastError(ERROR_INVALID_NAME);
+  PrintError("utilDeleteWWNList: Error creating file to delete. error - %s\n", LastErrorText().c_str());
+  return false;
 }
 
 /// Deletes the files of arrays not seen. A stored name that is "missing" is taken by its word as well.
@@ -53,8 +56,13 @@ void DeleteFilesOfMissing(const WwnFileList& records) {
   bool isAnyMissing = false;
   for (const WwnFileEntry& entry : records.Entries()) {
     char path[VRX_MAX_PATH];
-    FormFullPath(entry.name, path);
-    if (!DeleteMissing(entry, path, isAnyMissing) && HoldsName(path, gOptionArgument)) {
+    if (!FormPath(entry, path)) {
+      continue;
+    }
+    if (entry.isSeen == 0) {
+      isAnyMissing = true;
+      utilDeleteWWNFile(path);
+    } else if (HoldsName(path, gOptionArgument)) {
       utilDeleteWWNFile(path);
     }
   }
@@ -67,8 +75,7 @@ void DeleteFilesByName(const WwnFileList& records) {
   bool isAnyDeleted = false;
   for (const WwnFileEntry& entry : records.Entries()) {
     char path[VRX_MAX_PATH];
-    FormFullPath(entry.name, path);
-    if (HoldsName(path, gOptionArgument) && utilDeleteWWNFile(path) == 0) {
+    if (FormPath(entry, path) && HoldsName(path, gOptionArgument) && utilDeleteWWNFile(path) == 0) {
       isAnyDeleted = true;
     }
   }
@@ -77,7 +84,7 @@ void DeleteFilesByName(const WwnFileList& records) {
   }
 }
 
-/// Marks the file of the array with this index; false when there is none, or when its WWN cannot be read.
+/// Marks the file of the array with this index; false when there is none, or when its WWN is not told.
 bool MarkArray(std::uint32_t index, WwnFileList& records) {
   if (!ReadArrayByIndex(index)) {
     TracePrint("No Array found !\n");
@@ -90,16 +97,15 @@ bool MarkArray(std::uint32_t index, WwnFileList& records) {
   return true;
 }
 
-/// Generation 2, whose DSM says how many arrays there are; false when not all of them were found.
+/// Generation 2, whose DSM says how many arrays there are; false when not as many have told their WWNs, each its own.
 bool MarkArrays(WwnFileList& records) {
-  const std::uint32_t arrays = MaxArrayModules;
-  std::uint32_t found = 0;
-  for (std::uint64_t place = 0; place < IndexesFor(arrays) && found < arrays; ++place) {
-    if (MarkArray(static_cast<std::uint32_t>(place), records)) {
-      ++found;
+  std::set<std::string> found;
+  for (std::uint64_t place = 0; place < IndexesFor(MaxArrayModules) && found.size() < MaxArrayModules; ++place) {
+    if (MarkArray(static_cast<std::uint32_t>(place), records) && IsWwnTextWhole()) {
+      found.insert(gWwnFileName);
     }
   }
-  return found == arrays;
+  return found.size() == MaxArrayModules;
 }
 
 /// Generation 1, whose DSM says how many modules there may be; false when there is one that cannot be read.
@@ -107,7 +113,7 @@ bool MarkModules(WwnFileList& records) {
   bool areAllRead = true;
   for (std::uint32_t index = 0; index < MaxArrayModules; ++index) {
     const bool isMarked = MarkArray(index, records);
-    areAllRead = areAllRead && (isMarked || gTargetIsAbsent);
+    areAllRead = areAllRead && (gTargetIsAbsent || (isMarked && gTargetIsNamed));
   }
   return areAllRead;
 }
@@ -145,7 +151,7 @@ int utilDeleteWWNFile(const char* fullPath) {
 }
 
 bool utilMarkPresentArrays(WwnFileList& records) {
-  if (GetMaxArrayModules() != 1 || (MaxArrayModules == 0 && gArrayCountFailed)) {
+  if (GetMaxArrayModules() != 1 || !IsArrayCountTold()) {
     PrintError("Unable to determine number of connected arrays!!\n");
     return false;
   }

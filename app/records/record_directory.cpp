@@ -114,9 +114,8 @@ void FormWwnFileName() {
   BoundedAppend(gWwnFileName, sizeof gWwnFileName, kFileSuffix);
 }
 
-void FormFullPath(const char* fileName, char (&path)[VRX_MAX_PATH]) {
-  BoundedCopy(path, sizeof path, gWwnDirPath);
-  BoundedAppend(path, sizeof path, fileName);
+bool FormFullPath(const char* fileName, char (&path)[VRX_MAX_PATH]) {
+  return BoundedCopy(path, sizeof path, gWwnDirPath) == S_OK && BoundedAppend(path, sizeof path, fileName) == S_OK;
 }
 
 bool IsInWwnDirectory(const char* path) {

@@ -20,8 +20,8 @@ const char* vrxUtilSys_SetWwnDirPath();
 /// Forms gWwnFileName from the WWN in slot 0 of gModuleWWN, which must exist.
 void FormWwnFileName();
 
-/// Puts the directory before a file's name; what does not fit is cut.
-void FormFullPath(const char* fileName, char (&path)[VRX_MAX_PATH]);
+/// Puts the directory before a file's name; what does not fit is cut, and the result is false.
+bool FormFullPath(const char* fileName, char (&path)[VRX_MAX_PATH]);
 
 /// Whether a full path names something in gWwnDirPath itself; otherwise false, with the last error of a name that
 /// cannot be. The name of a generation-2 array's file is whatever text its driver gave as WWN.

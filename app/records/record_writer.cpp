@@ -4,6 +4,7 @@
 #include "app/cli/console/error_text.h"
 #include "app/cli/console/print.h"
 #include "app/records/record_text.h"
+#include "platform/error.h"
 
 #include <algorithm>
 #include <cstring>
@@ -101,6 +102,10 @@ bool WriteWhole(const RecordFile& file, const unsigned char* content, std::uint3
   std::uint32_t written = 0;
   while (written < size) {
     const std::int64_t count = vrx_WriteFile(file, content + written, size - written);
+    if (count == 0) {
+      SetLastError(ERROR_DISK_FULL);
+      PrintError("vrx_WriteFile: Error writing file. error - %s\n", LastErrorText().c_str());
+    }
     if (count <= 0) {
       return false;
     }

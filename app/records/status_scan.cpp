@@ -34,7 +34,7 @@ bool AskForGen1Limits(ScanLimits& limits) {
     return false;
   }
   TracePrint("sending ioctl for maxArrayModules\n");
-  if (!AskForArrayCount()) {
+  if (!AskForArrayCount() || MaxArrayModules == kUnknownLimit) {
     PrintError("Unable to get getmodules request - %s!\n", RuntimeErrorText());
     return false;
   }
