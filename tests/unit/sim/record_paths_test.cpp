@@ -1,3 +1,4 @@
+#include "app/cli/console/run_state.h"
 #include "app/records/record_deletion.h"
 #include "app/records/record_directory.h"
 #include "tests/unit/support/capture.h"
@@ -52,6 +53,12 @@ TEST_F(RecordPaths, ThatDoNotFitAreToldOf) {
             "vrxUtilSys_DoesWwnDirPathFileExist: Error creating full file path. error");
   EXPECT_EQ(FirstLine(Capture([] { EXPECT_EQ(utilDeleteWWNList(), 0); }).err),
             "utilDeleteWWNList: Error creating file to delete. error");
+  char anyName[] = "x";
+  gOptionArgument = anyName;
+  const CapturedOutput byName = Capture([] { EXPECT_EQ(utilDeleteMissingWWNFiles(), 1); });
+  EXPECT_EQ(FirstLine(byName.err), "utilDeleteWWNList: Error creating file to delete. error");
+  EXPECT_EQ(byName.out, "\n File for x was not found or could not be deleted.\n");
+  gOptionArgument = nullptr;
   Lay(256);
   EXPECT_EQ(FirstLine(Capture([] { EXPECT_EQ(utilDeleteWWNList(), 0); }).err),
             "utilDeleteWWNList: Error creating WWN wild card name. error");
