@@ -13,15 +13,12 @@
 #include "wmi/orb_wmi_class.h"
 #include "wmi/orb_wmi_enumerator.h"
 
-#include <algorithm>
-
 namespace korvex {
 
 namespace {
 
 constexpr int kInTransition = 3;
 constexpr DWORD kTransitionWait = 2000; ///< milliseconds
-constexpr std::uint32_t kLongestImage = 16 << 20;
 
 /// Takes the image that an answer holds; what cannot be read leaves the record without status.
 void TakeAnswer(OrbWmiEnumerator& answer, UtilStatusInfo& record) {
@@ -32,20 +29,18 @@ void TakeAnswer(OrbWmiEnumerator& answer, UtilStatusInfo& record) {
                static_cast<unsigned>(infoSize), static_cast<unsigned>(record.Size()));
     return;
   }
-  // An image may be longer than the record; one that is longer than any record needs not be read.
-  const std::uint32_t room = std::max<std::uint32_t>(record.Size(), std::min(infoSize, kLongestImage));
-  const OwnedStore image = MakeStore("statusImage", room);
+  const OwnedStore image = MakeStore("statusImage", record.Size());
   if (image == nullptr) {
     return;
   }
   std::uint32_t delivered = 0;
-  const wmiReturn status = answer.GetProperty(L"UtilStatusInfoBuffer", image.get(), room, &delivered);
+  const wmiReturn status = answer.GetProperty(L"UtilStatusInfoBuffer", image.get(), record.Size(), &delivered);
   if (status != kWmiSuccess) {
     TracePrint("statusInfoEnumerator.getProperty failed with status %d\n", static_cast<int>(status));
     return;
   }
-  // What is missing would read as paths of the address 0.
-  if (delivered >= record.Size()) {
+  // What is missing would read as paths of the address 0. A longer image, which is one of other limits, has failed.
+  if (delivered == record.Size()) {
     record.TakeImage(image.get());
   }
 }
