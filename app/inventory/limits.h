@@ -27,7 +27,7 @@ bool AskForArrayCount();
 /// Whether MaxArrayModules is what the DSM that the run talks to now has answered. A count of 0 is not when the last
 /// request failed or came back empty; a count is kept when -D changes the DSM.
 bool IsArrayCountTold();
-/// Takes the limits and the count for unknown, as at the start.
+/// Takes the limits and the count for unknown, as at the start of a process: for one that runs more than once.
 void ForgetLimits();
 
 /// 1 known, 0 the request failed, -1 the channel could not be opened.
