@@ -14,6 +14,7 @@ import concurrent.futures
 import json
 import os
 import pathlib
+import shutil
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent / "transcripts"))
@@ -88,6 +89,8 @@ def run(launcher, work, name, job, rule, records):
     if job in KEEPING_RECORDS:
         problems += [f"{record} was {content!r} and is {left.get(record)!r}" for record, content in records.items()
                      if left.get(record, "")[NAME_COLUMN:] != content[NAME_COLUMN:]]
+    if not problems:
+        shutil.rmtree(scene.directory)
     calls = accounts[0]["calls"] if accounts else {}
     return calls, left, [f"{' '.join(words)} on {host} with {rule}: {text}" for text in problems]
 
