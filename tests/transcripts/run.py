@@ -25,7 +25,7 @@ def main():
     parser.add_argument("paths", nargs="*", type=pathlib.Path, default=[HERE], metavar="FILE",
                         help="transcripts or directories of transcripts (default: all)")
     parser.add_argument("--binary", type=pathlib.Path, default=ROOT / "build/dev/korvex", help="the program")
-    parser.add_argument("--hosts", type=pathlib.Path, nargs="*", default=[ROOT / "hosts", HERE / "hosts"],
+    parser.add_argument("--hosts", type=pathlib.Path, nargs="*", default=[ROOT / "hosts"],
                         help="directories of host descriptions")
     parser.add_argument("--work", type=pathlib.Path, default=ROOT / "build/transcripts",
                         help="where the program runs; what a failed transcript left stays there")
