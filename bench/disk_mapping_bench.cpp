@@ -21,7 +21,7 @@ namespace {
 constexpr int kDisks = 256;
 using Drives = std::vector<platform::ComPtr<IWbemClassObject>>;
 
-const std::string kIdentifier = "600a0b80001234560000000000000001";
+const std::string kIdentifier = "60a1b2c3001234560000000000000001";
 
 /// 256 disks of one identifier, and `drives` drives of which the last has it.
 std::string Description(int drives) {
@@ -31,7 +31,7 @@ std::string Description(int drives) {
   }
   text += R"(], "mpio": {"drives": [)";
   for (int i = 1; i < drives; ++i) {
-    text += R"({"serial": "600a0b8000123456ffffffffffffffff"},)";
+    text += R"({"serial": "60a1b2c300123456ffffffffffffffff"},)";
   }
   return text + R"({"serial": ")" + kIdentifier + R"("}]}})";
 }

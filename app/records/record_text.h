@@ -8,9 +8,8 @@
 namespace korvex {
 
 inline constexpr std::size_t kFirstLineLength = 88;
-/// Column of a controller's state word, its room for a word, and the bytes from there that are searched for one.
+/// Column of a controller's state word, and the bytes from there that are searched for one.
 inline constexpr std::size_t kStateColumns[] = {10, 32};
-inline constexpr std::size_t kStateRoom = 21;
 inline constexpr std::size_t kStateSearched = 22;
 /// The array's name, and how many bytes of it are kept.
 inline constexpr std::size_t kNameColumn = 54;
