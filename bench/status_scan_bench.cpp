@@ -45,32 +45,21 @@ void MeasureScans(benchmark::State& state, const std::string& host, std::int64_t
   state.SetComplexityN(state.range(0));
 }
 
+void OverSizes(benchmark::internal::Benchmark* family) {
+  family->Arg(16)->Arg(32)->Arg(64)->Iterations(2)->UseRealTime()->MeasureProcessCPUTime();
+  family->Unit(benchmark::kMillisecond)->Complexity();
+}
+
 /// N modules of 256 LUNs with 2 x 16 paths.
 void ScanModules(benchmark::State& state) {
   MeasureScans(state, MadeHost(static_cast<int>(state.range(0)), 256, 16, 1), 1 + 256 * 16);
 }
-BENCHMARK(ScanModules)
-    ->Arg(16)
-    ->Arg(32)
-    ->Arg(64)
-    ->Iterations(2)
-    ->UseRealTime()
-    ->MeasureProcessCPUTime()
-    ->Unit(benchmark::kMillisecond)
-    ->Complexity();
+BENCHMARK(ScanModules)->Apply(OverSizes);
 
 /// N arrays of 64 LUNs with 2 x 2 paths: 256 device records, of which 255 are taken.
 void ScanArrays(benchmark::State& state) {
   MeasureScans(state, MadeHost(static_cast<int>(state.range(0)), 64, 2), 1 + 64 * 2);
 }
-BENCHMARK(ScanArrays)
-    ->Arg(16)
-    ->Arg(32)
-    ->Arg(64)
-    ->Iterations(2)
-    ->UseRealTime()
-    ->MeasureProcessCPUTime()
-    ->Unit(benchmark::kMillisecond)
-    ->Complexity();
+BENCHMARK(ScanArrays)->Apply(OverSizes);
 
 } // namespace

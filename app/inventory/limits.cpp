@@ -9,6 +9,7 @@
 #include "platform/allocation.h"
 
 #include <algorithm>
+#include <cwchar>
 
 namespace korvex {
 
@@ -39,7 +40,7 @@ bool AskForArrayCount() {
 }
 
 bool IsArrayCountTold() {
-  return (MaxArrayModules != 0 || !gArrayCountFailed) && std::ranges::equal(gWmiMethodsName, gCountedMethodsName);
+  return (MaxArrayModules != 0 || !gArrayCountFailed) && std::wcscmp(gWmiMethodsName, gCountedMethodsName) == 0;
 }
 
 void ForgetLimits() {
